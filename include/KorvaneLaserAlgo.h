@@ -158,6 +158,97 @@ public:
     void GetSdkVersionString(std::string& version);
 
     /// @}
+    /// @name Extraction: from a frame to one 2D point per column
+    ///
+    /// Every method takes the mask and the frame, replaces the contents of `points` by exactly `Width` points (point i
+    /// for column i) and sets mask[i] to true for the columns with a stripe; other mask entries stay as they were.
+    /// Except for `Cal2DPoint4` the points are in pixels of the full sensor, the ROI's offsets added, and a column
+    /// without a stripe reads (`OffsetX`, `OffsetY`). The frame is read only, except by `Cal2DPoint4`.
+    /// @{
+
+    /// Follows one stripe: finds it from above at a fixed threshold of 60 grey levels, then looks only near the row of
+    /// the column before, and takes the grey-weighted centroid of the bright rows.
+    ///
+    /// For a clean single stripe. The first and last column and row are never searched; a `Width` below 3 or a
+    /// `Height` below 5 finds nothing. A stripe that fades by 10 % or more from one column to the next is searched
+    /// from the top again. Where the centroid rounds to the first or last row, no later column of the frame yields a
+    /// point.
+    /// @param mask at least `Width` entries; true is written where the stripe was found
+    /// @param image `Width` x `Height` bytes, read only
+    /// @param points replaced by `Width` points; x is the column, y the centroid row, full-sensor pixels
+    /// @param unused never read; present so that the extraction methods look alike
+    /// @throws std::bad_alloc where memory ends
+    void Cal2DPoint1(bool* mask, unsigned char* image, std::vector<tagKorvaneLaserPoint2d>& points, const int& unused);
+
+    /// Chooses among several bright runs per column at a fixed threshold of 60 grey levels, with the line selection.
+    ///
+    /// For frames with reflections or a second line. Every run, or every hump of a long run, is a candidate with a
+    /// centre, a grey value and a width, and must pass the bounds of the line selection. A single candidate is taken;
+    /// among several, the nearest to the neighbouring column's point wins where it lies within 5.0 rows, else
+    /// `SelectMode` decides: 1 the greatest grey, 2 the last candidate in the chain whose grey value lies below a
+    /// limit that starts at `Width` and becomes the width of each candidate taken, 3 the first, 4 the last, any other
+    /// value none. Columns are walked to the right, then back to the left.
+    /// A column whose centre is row 0.0 of the ROI exactly counts as without a stripe.
+    /// @param mask at least `Width` entries; true is written where a point was chosen
+    /// @param image `Width` x `Height` bytes, read only
+    /// @param points replaced by `Width` points, full-sensor pixels
+    /// @throws std::bad_alloc where memory ends
+    void Cal2DPoint1_1(bool* mask, unsigned char* image, std::vector<tagKorvaneLaserPoint2d>& points);
+
+    /// Follows the stripe through several bright runs per column, at half of each column's brightest grey value (at
+    /// least 30), without any setting but the ROI.
+    ///
+    /// For stripes whose brightness varies along the line. A single run of 20 rows or more is rejected; of several
+    /// runs, the candidate within 5.0 rows of the neighbouring columns' line is taken. Columns are walked to the
+    /// right, back to the left, and a column with one candidate left is filled at last.
+    /// A column whose centre is row 0.0 of the ROI exactly counts as without a stripe.
+    /// @param mask at least `Width` entries; true is written where a point was chosen
+    /// @param image `Width` x `Height` bytes, read only
+    /// @param points replaced by `Width` points, full-sensor pixels
+    /// @throws std::bad_alloc where memory ends
+    void Cal2DPoint2(bool* mask, unsigned char* image, std::vector<tagKorvaneLaserPoint2d>& points);
+
+    /// The most selective method: candidates above 30 grey levels that pass the line selection, kept where they lie on
+    /// long straight stripe segments (standard Hough transform), pruned against a line interpolated between
+    /// unambiguous columns, then chosen by following the neighbouring columns.
+    ///
+    /// For shiny parts with many reflections; the slowest of the six. A column's only candidate is always taken;
+    /// among several, the nearest within 5.0 rows of the neighbour, else `SelectMode`: 1 the greatest grey, 2 the
+    /// smallest width, 3 the first, 4 the last, any other value the candidate that is brighter and narrower at once.
+    /// A column whose centre is row 0.0 of the ROI exactly counts as without a stripe.
+    /// @param mask at least `Width` entries; true is written where a point was chosen
+    /// @param image `Width` x `Height` bytes, read only
+    /// @param points replaced by `Width` points, full-sensor pixels
+    /// @throws std::bad_alloc where memory ends
+    void Cal2DPoint2_1(bool* mask, unsigned char* image, std::vector<tagKorvaneLaserPoint2d>& points);
+
+    /// `Cal2DPoint1` with a threshold per column: the mean of the column's pixels above 60, at least 60, at most the
+    /// caller's cap; while following, half of the local peak, so that the centroid takes the stripe's core.
+    ///
+    /// For a single stripe with a bright surrounding. A cap below 60 lowers the threshold below 60. Rows, columns and
+    /// the end of tracking behave as in `Cal2DPoint1`.
+    /// @param mask at least `Width` entries; true is written where the stripe was found
+    /// @param image `Width` x `Height` bytes, read only
+    /// @param points replaced by `Width` points, full-sensor pixels
+    /// @param cap largest threshold of a column with bright pixels, in grey levels; 255 or more caps nothing
+    /// @throws std::bad_alloc where memory ends
+    void Cal2DPoint3(bool* mask, unsigned char* image, std::vector<tagKorvaneLaserPoint2d>& points, const int& cap);
+
+    /// Cuts the frame at a threshold and takes the grey-weighted mean row of everything that is left in a column.
+    ///
+    /// For frames in which the stripe is all that is bright. Two things differ from its siblings: **the caller's image
+    /// is changed** (pixels below the threshold become 0), and **the points are in ROI pixels**: x is the column in
+    /// the ROI, a column without a stripe reads (column, 0). Add the offsets before `undistortPoints2`. The sums are
+    /// in single precision, so a row has about seven digits.
+    /// @param mask at least `Width` entries; true is written where the mean row is above 0.0
+    /// @param image `Width` x `Height` bytes; pixels below the threshold are set to 0
+    /// @param points replaced by `Width` points, ROI pixels
+    /// @param threshold smallest grey level that is kept
+    /// @throws std::bad_alloc where memory ends
+    void Cal2DPoint4(bool* mask, unsigned char* image, std::vector<tagKorvaneLaserPoint2d>& points,
+                     const int& threshold);
+
+    /// @}
 
 private:
     AlgoContext* context_;  ///< the object's settings, owned

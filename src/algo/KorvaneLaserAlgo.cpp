@@ -3,6 +3,7 @@
 #include "KorvaneLaserAlgo.h"
 
 #include "algo/AlgoContext.h"
+#include "extract/extract.h"
 
 namespace KORVANELASERALGO {
 
@@ -44,6 +45,35 @@ int KorvaneLaserAlgo::GetROIInfoHeight() {
 
 void KorvaneLaserAlgo::GetSdkVersionString(std::string& version) {
     version = KORVANE_VERSION_TEXT;
+}
+
+// ---- extraction ----
+
+void KorvaneLaserAlgo::Cal2DPoint1(bool* mask, unsigned char* image, std::vector<tagKorvaneLaserPoint2d>& points,
+                                   const int&) {
+    extract::Cal2DPoint1(*context_, mask, image, points);
+}
+
+void KorvaneLaserAlgo::Cal2DPoint1_1(bool* mask, unsigned char* image, std::vector<tagKorvaneLaserPoint2d>& points) {
+    extract::Cal2DPoint1_1(*context_, mask, image, points);
+}
+
+void KorvaneLaserAlgo::Cal2DPoint2(bool* mask, unsigned char* image, std::vector<tagKorvaneLaserPoint2d>& points) {
+    extract::Cal2DPoint2(*context_, mask, image, points);
+}
+
+void KorvaneLaserAlgo::Cal2DPoint2_1(bool* mask, unsigned char* image, std::vector<tagKorvaneLaserPoint2d>& points) {
+    extract::Cal2DPoint2_1(*context_, mask, image, points);
+}
+
+void KorvaneLaserAlgo::Cal2DPoint3(bool* mask, unsigned char* image, std::vector<tagKorvaneLaserPoint2d>& points,
+                                   const int& cap) {
+    extract::Cal2DPoint3(*context_, mask, image, points, cap);
+}
+
+void KorvaneLaserAlgo::Cal2DPoint4(bool* mask, unsigned char* image, std::vector<tagKorvaneLaserPoint2d>& points,
+                                   const int& threshold) {
+    extract::Cal2DPoint4(*context_, mask, image, points, threshold);
 }
 
 }  // namespace KORVANELASERALGO

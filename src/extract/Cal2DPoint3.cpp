@@ -1,0 +1,54 @@
+// Cal2DPoint3: follows one stripe at a threshold that adapts to each column, and to the local peak while following.
+
+#include <algorithm>
+
+#include "algo/ImageView.h"
+#include "extract/StripeTracker.h"
+#include "extract/extract.h"
+#include "kernels/kernels.h"
+
+namespace KORVANELASERALGO::extract {
+namespace {
+
+constexpr int kBright = 60;  // grey levels; pixels above it count for a column's mean, which is at least this
+
+class AdaptiveThreshold {
+public:
+    AdaptiveThreshold(const ImageView& image, int cap) : perColumn_(static_cast<std::size_t>(image.width), kBright) {
+        // The first and last row count no more than they are searched.
+        if (image.height < 3) return;
+        std::vector<std::uint32_t> counts(perColumn_.size(), 0);
+        std::vector<std::uint64_t> sums(perColumn_.size(), 0);
+        kernels::countAbove(image.row(1), image.width, image.height - 2, kBright, counts.data());
+        kernels::sumAbove(image.row(1), image.width, image.height - 2, kBright, sums.data());
+
+        for (std::size_t c = 0; c < perColumn_.size(); ++c) {
+            // The cap does not reach a column without a bright pixel. This is meant.
+            if (counts[c] == 0) continue;
+            const int mean = static_cast<int>(sums[c] / counts[c]);
+            perColumn_[c] = std::min(cap, std::max(mean, kBright));
+        }
+    }
+
+    const int* searchThresholds() const { return perColumn_.data(); }
+
+    // Half of the local peak where that is higher, truncated, so that only the stripe's core is filled.
+    int fillThreshold(int column, int peak) const {
+        return std::max(perColumn_[static_cast<std::size_t>(column)], peak / 2);
+    }
+
+private:
+    std::vector<int> perColumn_;
+};
+
+}  // namespace
+
+void Cal2DPoint3(const AlgoContext& context, bool* mask, const unsigned char* image, Points2d& points, int cap) {
+    const ImageView view(context.roi, image);
+    points.assign(static_cast<std::size_t>(view.width), {0.0, 0.0});
+
+    const AdaptiveThreshold thresholds(view, cap);
+    trackStripe(context, view, thresholds, mask, points);
+}
+
+}  // namespace KORVANELASERALGO::extract
