@@ -249,6 +249,71 @@ public:
                      const int& threshold);
 
     /// @}
+    /// @name Calibration: from 2D points to a profile
+    /// @{
+
+    /// Removes the lens distortion from every point, in place: Brown-Conrady model, inverted by exactly five
+    /// fixed-point iterations, projected with the same camera matrix again.
+    ///
+    /// Every point is transformed, those of columns without a stripe too, so size, order and mask stay valid. A zero
+    /// fx or fy yields not-a-number.
+    /// @param points full-sensor pixels in, full-sensor pixels out
+    void undistortPoints2(std::vector<tagKorvaneLaserPoint2d>& points);
+
+    /// Turns 2D points into a profile: intersects each line of sight with the light plane Z = c0 + c1 X + c2 Y and
+    /// applies `RT`.
+    ///
+    /// A column yields a point where its mask entry is true and its x lies above -0.5 and below
+    /// `OffsetX` + `Width` - 0.5 (the lower bound ignores the offset; points that undistortion moved past the bounds
+    /// are rejected); every other column yields the empty point. Undistort the points first.
+    /// @param mask `Width` entries, as an extraction method left them; read only
+    /// @param points2d one point per column, full-sensor pixels; a column beyond its end counts as rejected
+    /// @param points3d replaced by `Width` points, output frame; its storage is reused
+    /// @throws std::bad_alloc where memory ends
+    void Cal3DPoint1(bool* mask, const std::vector<tagKorvaneLaserPoint2d>& points2d,
+                     std::vector<tagKorvaneLaserPoint3d>& points3d);
+
+    /// As `Cal3DPoint1`, for the second-order light surface Z = c0 + c1 X + c2 Y + c3 X^2 + c4 X Y + c5 Y^2.
+    ///
+    /// The depth is the first root of the quadratic where it lies in 0 .. 3500 length units, else the second root, and
+    /// is rounded to single precision. A line of sight that misses the surface yields not-a-number, and so does a
+    /// surface with c3 = c4 = c5 = 0: flat light planes go through `Cal3DPoint1`.
+    /// @param mask `Width` entries, as an extraction method left them; read only
+    /// @param points2d one point per column, full-sensor pixels; a column beyond its end counts as rejected
+    /// @param points3d replaced by `Width` points, output frame; its storage is reused
+    /// @throws std::bad_alloc where memory ends
+    void Cal3DPoint2(bool* mask, const std::vector<tagKorvaneLaserPoint2d>& points2d,
+                     std::vector<tagKorvaneLaserPoint3d>& points3d);
+
+    /// Computes the rigid transform that turns the light plane's normal into the output y axis (Rodrigues' rotation
+    /// formula), laid out as the `RT` field of the calibration. Every point of the plane then has the one
+    /// y = c0 / c2 - c0 / s, with s = sqrt(c1^2 + c2^2 + 1) and the sign of c2.
+    ///
+    /// **A plane with |c2| beyond about 1e8 can end the process** with exit status 0 and a line on the standard error
+    /// stream, because its normal is the y axis already; check the plane before the call. c2 = 0 yields an infinite
+    /// or not-a-number translation.
+    /// @param plane three doubles c0, c1, c2 of the plane Z = c0 + c1 X + c2 Y, read only
+    /// @param rt twelve doubles, written: the rotation row by row, then the translation (0, c0 / c2, 0)
+    /// @throws std::bad_alloc where memory ends
+    void CalRT(double* plane, double* rt);
+
+    /// Fits a polynomial by least squares: normal equations, Gaussian elimination with partial pivoting.
+    ///
+    /// Too few distinct x values yield infinite or not-a-number coefficients.
+    /// @param x sample positions
+    /// @param y sample values, at least as many as `x`
+    /// @param degree degree of the polynomial; -1 yields an empty vector
+    /// @returns degree + 1 coefficients by increasing power: c[0] + c[1] x + c[2] x^2 + ...
+    /// @throws std::length_error "vector too long" for a degree below -1 or of 2147483647; std::bad_alloc
+    std::vector<double> polynomialFit(const std::vector<double>& x, const std::vector<double>& y, const int& degree);
+
+    /// Evaluates a polynomial by a running power.
+    /// @param coefficients by increasing power, as `polynomialFit` returns them
+    /// @param x where to evaluate
+    /// @returns the value; 0.0 for an empty vector
+    double evaluatePolynomial(const std::vector<double>& coefficients, const double& x);
+
+    /// @}
 
 private:
     AlgoContext* context_;  ///< the object's settings, owned

@@ -3,6 +3,7 @@
 #include "KorvaneLaserAlgo.h"
 
 #include "algo/AlgoContext.h"
+#include "calib/calib.h"
 #include "extract/extract.h"
 
 namespace KORVANELASERALGO {
@@ -74,6 +75,35 @@ void KorvaneLaserAlgo::Cal2DPoint3(bool* mask, unsigned char* image, std::vector
 void KorvaneLaserAlgo::Cal2DPoint4(bool* mask, unsigned char* image, std::vector<tagKorvaneLaserPoint2d>& points,
                                    const int& threshold) {
     extract::Cal2DPoint4(*context_, mask, image, points, threshold);
+}
+
+// ---- calibration ----
+
+void KorvaneLaserAlgo::undistortPoints2(std::vector<tagKorvaneLaserPoint2d>& points) {
+    calib::undistortPoints2(*context_, points);
+}
+
+void KorvaneLaserAlgo::Cal3DPoint1(bool* mask, const std::vector<tagKorvaneLaserPoint2d>& points2d,
+                                   std::vector<tagKorvaneLaserPoint3d>& points3d) {
+    calib::Cal3DPoint1(*context_, mask, points2d, points3d);
+}
+
+void KorvaneLaserAlgo::Cal3DPoint2(bool* mask, const std::vector<tagKorvaneLaserPoint2d>& points2d,
+                                   std::vector<tagKorvaneLaserPoint3d>& points3d) {
+    calib::Cal3DPoint2(*context_, mask, points2d, points3d);
+}
+
+void KorvaneLaserAlgo::CalRT(double* plane, double* rt) {
+    calib::CalRT(plane, rt);
+}
+
+std::vector<double> KorvaneLaserAlgo::polynomialFit(const std::vector<double>& x, const std::vector<double>& y,
+                                                    const int& degree) {
+    return calib::polynomialFit(x, y, degree);
+}
+
+double KorvaneLaserAlgo::evaluatePolynomial(const std::vector<double>& coefficients, const double& x) {
+    return calib::evaluatePolynomial(coefficients, x);
 }
 
 }  // namespace KORVANELASERALGO

@@ -1,0 +1,104 @@
+// polynomialFit and evaluatePolynomial: least squares by the normal equations, solved by Gaussian elimination with
+// partial pivoting. Coefficients run by increasing power: c[0] + c[1] x + c[2] x^2 + ...
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <new>
+#include <span>
+#include <stdexcept>
+
+#include "calib/calib.h"
+
+namespace KORVANELASERALGO::calib {
+namespace {
+
+// A x = b with a square A, row by row.
+struct LinearSystem {
+    explicit LinearSystem(std::size_t order) : size(order), b(order, 0.0) {
+        if (order > std::numeric_limits<std::ptrdiff_t>::max() / sizeof(double) / std::max<std::size_t>(order, 1)) {
+            throw std::bad_alloc();
+        }
+        a.resize(order * order);
+    }
+
+    std::span<double> row(std::size_t i) { return std::span(a).subspan(i * size, size); }
+
+    std::size_t size;
+    std::vector<double> a;
+    std::vector<double> b;
+};
+
+// Sums of powers over the samples: A(i, j) = sum of x^(i + j), b(i) = sum of x^i y. Each power is taken once, by the
+// library function on the exponent; no running product is kept.
+LinearSystem normalEquations(const std::vector<double>& x, const std::vector<double>& y, std::size_t order) {
+    LinearSystem system(order);
+    std::vector<double> powerSums(order == 0 ? 0 : 2 * order - 1, 0.0);
+    for (std::size_t k = 0; k < x.size(); ++k) {
+        for (std::size_t e = 0; e < powerSums.size(); ++e) {
+            const double power = std::pow(x[k], static_cast<double>(e));
+            powerSums[e] += power;
+            if (e < order) system.b[e] += power * y[k];
+        }
+    }
+    for (std::size_t i = 0; i < order; ++i) {
+        for (std::size_t j = 0; j < order; ++j) system.row(i)[j] = powerSums[i + j];
+    }
+    return system;
+}
+
+// Brings A to upper triangular form. A zero pivot is not guarded against: this is meant.
+void eliminate(LinearSystem& system) {
+    for (std::size_t q = 0; q < system.size; ++q) {
+        // The first of the largest entries is the pivot.
+        std::size_t pivot = q;
+        for (std::size_t r = q + 1; r < system.size; ++r) {
+            if (std::fabs(system.row(r)[q]) > std::fabs(system.row(pivot)[q])) pivot = r;
+        }
+        if (pivot != q) {
+            std::ranges::swap_ranges(system.row(q), system.row(pivot));
+            std::swap(system.b[q], system.b[pivot]);
+        }
+
+        for (std::size_t r = q + 1; r < system.size; ++r) {
+            const double factor = system.row(r)[q] / system.row(q)[q];
+            for (std::size_t j = q; j < system.size; ++j) system.row(r)[j] -= factor * system.row(q)[j];
+            system.b[r] -= factor * system.b[q];
+        }
+    }
+}
+
+std::vector<double> substituteBack(LinearSystem& system) {
+    std::vector<double> solution(system.size, 0.0);
+    for (std::size_t i = system.size; i-- > 0;) {
+        double sum = 0.0;
+        for (std::size_t j = i + 1; j < system.size; ++j) sum += system.row(i)[j] * solution[j];
+        solution[i] = (system.b[i] - sum) / system.row(i)[i];
+    }
+    return solution;
+}
+
+}  // namespace
+
+std::vector<double> polynomialFit(const std::vector<double>& x, const std::vector<double>& y, int degree) {
+    // degree + 1 coefficients must fit an int.
+    if (degree < -1 || degree == std::numeric_limits<int>::max()) throw std::length_error("vector too long");
+
+    const int coefficients = degree + 1;
+    LinearSystem system = normalEquations(x, y, static_cast<std::size_t>(coefficients));
+    eliminate(system);
+    return substituteBack(system);
+}
+
+double evaluatePolynomial(const std::vector<double>& coefficients, double x) {
+    double value = 0.0;
+    double power = 1.0;
+    for (const double coefficient : coefficients) {
+        value += coefficient * power;
+        power *= x;
+    }
+    return value;
+}
+
+}  // namespace KORVANELASERALGO::calib
