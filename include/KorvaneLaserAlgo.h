@@ -314,6 +314,77 @@ public:
     double evaluatePolynomial(const std::vector<double>& coefficients, const double& x);
 
     /// @}
+    /// @name Profile filters: from a profile to a profile
+    ///
+    /// A profile has one 3D point per column. Points with x = 0.0 are empty and neither change nor count as
+    /// neighbours; neighbours are counted along the remaining points, across gaps. No setting of the object is read;
+    /// calls on different profiles may run in parallel.
+    /// @{
+
+    /// Clears isolated points by votes: a point survives when more than `halfWidth` of its neighbours agree with its z
+    /// or with its local direction dx/dz (to within 0.3).
+    ///
+    /// Points with x = 0 or z = 0 take no part. The neighbours are the usable points j - w .. j + w - 1, without
+    /// j + w, so the first usable point of a profile is always cleared. Fewer than 2 w + 1 usable points, or a
+    /// negative half-width, leave the profile unchanged.
+    /// @param profile changed in place: outliers become (0, 0, 0)
+    /// @param halfWidth w, in usable points
+    /// @param threshold largest difference in z of an agreeing neighbour, exclusive, in length units
+    /// @throws std::bad_alloc where memory ends; the profile is unchanged then
+    void Outlierdetect1(std::vector<tagKorvaneLaserPoint3d>& profile, const int& halfWidth, const float& threshold);
+
+    /// Clears short runs: cuts the profile where x or z jumps by the threshold or more, and clears the first w - 1
+    /// points of every run, so a run of fewer than w points goes entirely.
+    ///
+    /// Empty points (x = 0) neither join nor end a run. At the start of the profile, a first run at position 0
+    /// keeps its first point for w = 2, and a first run after empty points loses one point fewer.
+    /// @param profile changed in place: cleared points become (0, 0, 0)
+    /// @param halfWidth w, the least number of points of a run
+    /// @param threshold smallest jump in x or z, in length units, that ends a run
+    /// @throws std::bad_alloc where memory ends; the profile is unchanged then
+    void Outlierdetect2(std::vector<tagKorvaneLaserPoint3d>& profile, const int& halfWidth, const float& threshold);
+
+    /// Replaces each height by the median of its neighbourhood: r points before to r after, cut short at the ends, not
+    /// recursive.
+    ///
+    /// The heights pass through single precision; of an even number the upper middle value is taken. Fewer than
+    /// 2 r + 1 valid points, or a negative r, leave the profile unchanged.
+    /// @param points z is changed in place, x and y never
+    /// @param halfWindow r, in valid points
+    /// @throws std::bad_alloc where memory ends
+    void medianfilter1(std::vector<tagKorvaneLaserPoint3d>& points, const int& halfWindow);
+    /// The very same as `medianfilter1`, under a second name.
+    /// @param points z is changed in place, x and y never
+    /// @param halfWindow r, in valid points
+    /// @throws std::bad_alloc where memory ends
+    void medianfilter2(std::vector<tagKorvaneLaserPoint3d>& points, const int& halfWindow);
+
+    /// Smooths the heights with a normalised Gaussian of 2 r + 1 taps (sigma = taps / 3), leaving out neighbours whose
+    /// height differs by 5.0 length units or more, so that steps stay sharp; not recursive.
+    ///
+    /// Fewer than 2 r + 1 valid points leave the profile unchanged. A height that is not a number stays so.
+    /// @param points z is changed in place, x and y never
+    /// @param halfWindow r, in valid points
+    /// @throws std::bad_alloc for a negative r, or where 2 r + 1 exceeds an int, before anything is changed; and where
+    /// memory ends
+    void Gaussianfilter(std::vector<tagKorvaneLaserPoint3d>& points, const int& halfWindow);
+
+    /// Thins a profile to about one point per `step` along x: the mean of the points of each bucket of that width.
+    ///
+    /// Within a bucket, a height that differs by more than 5.0 length units from the bucket's first starts the bucket
+    /// anew, and that point counts twice. Bucket numbers truncate toward zero, so the bucket around x = 0 is twice as
+    /// wide. Ten valid points or fewer, or a step not above their mean spacing, are passed through as they are; else
+    /// `out` is padded with empty points to the size of `in`.
+    /// @param in the profile, read only; not the same vector as `out`
+    /// @param step bucket width, in length units
+    /// @param out replaced
+    /// @param count receives the number of meaningful points at the front of `out`
+    /// @throws std::length_error "vector too long" where the profile runs far toward smaller x; std::bad_alloc; `out`
+    /// and `count` are as they were then
+    void Downsample(const std::vector<tagKorvaneLaserPoint3d>& in, const float& step,
+                    std::vector<tagKorvaneLaserPoint3d>& out, int& count);
+
+    /// @}
 
 private:
     AlgoContext* context_;  ///< the object's settings, owned

@@ -5,6 +5,7 @@
 #include "algo/AlgoContext.h"
 #include "calib/calib.h"
 #include "extract/extract.h"
+#include "profile/profile.h"
 
 namespace KORVANELASERALGO {
 
@@ -104,6 +105,35 @@ std::vector<double> KorvaneLaserAlgo::polynomialFit(const std::vector<double>& x
 
 double KorvaneLaserAlgo::evaluatePolynomial(const std::vector<double>& coefficients, const double& x) {
     return calib::evaluatePolynomial(coefficients, x);
+}
+
+// ---- profile filters ----
+
+void KorvaneLaserAlgo::Outlierdetect1(std::vector<tagKorvaneLaserPoint3d>& profile, const int& halfWidth,
+                                      const float& threshold) {
+    profile::Outlierdetect1(profile, halfWidth, threshold);
+}
+
+void KorvaneLaserAlgo::Outlierdetect2(std::vector<tagKorvaneLaserPoint3d>& profile, const int& halfWidth,
+                                      const float& threshold) {
+    profile::Outlierdetect2(profile, halfWidth, threshold);
+}
+
+void KorvaneLaserAlgo::medianfilter1(std::vector<tagKorvaneLaserPoint3d>& points, const int& halfWindow) {
+    profile::medianfilter(points, halfWindow);
+}
+
+void KorvaneLaserAlgo::medianfilter2(std::vector<tagKorvaneLaserPoint3d>& points, const int& halfWindow) {
+    profile::medianfilter(points, halfWindow);
+}
+
+void KorvaneLaserAlgo::Gaussianfilter(std::vector<tagKorvaneLaserPoint3d>& points, const int& halfWindow) {
+    profile::Gaussianfilter(points, halfWindow);
+}
+
+void KorvaneLaserAlgo::Downsample(const std::vector<tagKorvaneLaserPoint3d>& in, const float& step,
+                                  std::vector<tagKorvaneLaserPoint3d>& out, int& count) {
+    profile::Downsample(in, step, out, count);
 }
 
 }  // namespace KORVANELASERALGO
