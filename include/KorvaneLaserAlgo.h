@@ -385,6 +385,79 @@ public:
                     std::vector<tagKorvaneLaserPoint3d>& out, int& count);
 
     /// @}
+    /// @name Image operations and exposure
+    /// @{
+
+    /// Blurs a frame with a separable Gaussian of sigma 1 pixel, with replicated borders.
+    ///
+    /// Results are truncated, never rounded. The horizontal pass works in place, so its left-hand taps read values that
+    /// are filtered already. An even size, or one below 1, leaves `dst` as the copy of `src`.
+    /// @param src `Width` x `Height` bytes, read only; must not overlap `dst`
+    /// @param dst `Width` x `Height` bytes, written
+    /// @param ksize number of taps of the kernel, odd
+    /// @throws std::bad_alloc where memory ends
+    void GaussianBlur(unsigned char* src, unsigned char* dst, const int& ksize);
+
+    /// Copies the pixels above a threshold; other pixels of `out` stay as they were.
+    /// @param threshold a pixel is copied when it is greater
+    /// @param out `Width` x `Height` bytes; clear it beforehand for a clean result
+    /// @param src `Width` x `Height` bytes, read only
+    void Otsu2(const int& threshold, unsigned char* out, unsigned char* src);
+
+    /// Removes a saturated blob that hangs from the top edge, then copies the pixels above half of each column's own
+    /// grey range (at least 60), on four threads that are joined before the call returns.
+    ///
+    /// A column's top run of 30 or more rows above 180 belongs to the blob and is **set to 0 in `src`**. A blob of more
+    /// than 100 pixels also masks a band of columns around its centre, which then does not count for the columns' grey
+    /// range. The last `Width` mod 4 columns are never thresholded.
+    /// @param out `Width` x `Height` bytes; selected pixels are written, others stay as they were
+    /// @param labels `Width` x `Height` ints; 1 is written at selected pixels, others stay as they were
+    /// @param src `Width` x `Height` bytes; the blob's pixels become 0
+    /// @throws std::bad_alloc where memory ends, before anything is changed; std::system_error where the first thread
+    /// cannot start (`src` has lost its blob then); where a later one cannot start, the process ends
+    void Otsu3(unsigned char* out, int* labels, unsigned char* src);
+
+    /// Merges two exposures of one scene: the first as it is, and in every column of it without a pixel of 255, the
+    /// pixels of the second that are 128 or more.
+    /// @param first `Width` x `Height` bytes, read only
+    /// @param second `Width` x `Height` bytes, read only
+    /// @param out `Width` x `Height` bytes, written; must not overlap the inputs
+    /// @throws std::bad_alloc where memory ends, before anything is written
+    void MergeImg(unsigned char* first, unsigned char* second, unsigned char* out);
+
+    /// Weakens what changes from frame to frame: each pixel is its current value less the absolute change since the
+    /// previous frame, at least 0. Runs on two threads that are joined before the call returns.
+    ///
+    /// The previous frame is **process-wide**, shared by all objects: serialise the calls and feed one camera stream.
+    /// The first enabled call, and the first after the pixel count changed or after a call with `enable` false, copies
+    /// the frame. With an odd `Height`, the last row of `out` is not written otherwise.
+    /// @param current `Width` x `Height` bytes, read only
+    /// @param out `Width` x `Height` bytes, written
+    /// @param enable false forgets the previous frame and leaves `out` alone
+    /// @throws std::bad_alloc where memory ends; std::system_error where a thread cannot start
+    void CalcImageBuffer(unsigned char* current, unsigned char* out, const bool& enable);
+
+    /// Proposes the next exposure so that the stripe keeps a target width of bright pixels (206 or more), the mean over
+    /// the columns in which it shows.
+    ///
+    /// Where the exposure changed by 0.01 or more since the previous frame, a straight line of width against exposure
+    /// through both frames is solved for the target; else the exposure is stepped. The width counts as right within
+    /// 0.2 pixels when more than half of the columns show the stripe. The previous frame and exposure are
+    /// **process-wide**, shared by all objects: serialise the calls and feed one camera stream.
+    /// @param image `Width` x `Height` bytes, read only
+    /// @param target wanted bright width, in pixels
+    /// @param exposure the exposure with which `image` was taken, in the caller's unit
+    /// @param minExposure smallest proposal
+    /// @param maxExposure largest proposal
+    /// @param step fixed adjustment, in the caller's unit
+    /// @param enable false forgets the previous frame, not the previous exposure
+    /// @param newExposure receives the proposal, only where the result is true; may be the `exposure` variable
+    /// @returns true where there is a proposal; false for a first frame, and where no line can be fitted
+    /// @throws std::bad_alloc where memory ends; the previous frame and exposure are as they were then
+    bool AutoExposure(unsigned char* image, const double& target, const double& exposure, const double& minExposure,
+                      const double& maxExposure, const double& step, const bool& enable, double& newExposure);
+
+    /// @}
 
 private:
     AlgoContext* context_;  ///< the object's settings, owned

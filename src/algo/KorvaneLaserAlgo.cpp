@@ -5,6 +5,7 @@
 #include "algo/AlgoContext.h"
 #include "calib/calib.h"
 #include "extract/extract.h"
+#include "image/image.h"
 #include "profile/profile.h"
 
 namespace KORVANELASERALGO {
@@ -134,6 +135,34 @@ void KorvaneLaserAlgo::Gaussianfilter(std::vector<tagKorvaneLaserPoint3d>& point
 void KorvaneLaserAlgo::Downsample(const std::vector<tagKorvaneLaserPoint3d>& in, const float& step,
                                   std::vector<tagKorvaneLaserPoint3d>& out, int& count) {
     profile::Downsample(in, step, out, count);
+}
+
+// ---- image operations and exposure ----
+
+void KorvaneLaserAlgo::GaussianBlur(unsigned char* src, unsigned char* dst, const int& ksize) {
+    image::GaussianBlur(*context_, src, dst, ksize);
+}
+
+void KorvaneLaserAlgo::Otsu2(const int& threshold, unsigned char* out, unsigned char* src) {
+    image::Otsu2(*context_, threshold, out, src);
+}
+
+void KorvaneLaserAlgo::Otsu3(unsigned char* out, int* labels, unsigned char* src) {
+    image::Otsu3(*context_, out, labels, src);
+}
+
+void KorvaneLaserAlgo::MergeImg(unsigned char* first, unsigned char* second, unsigned char* out) {
+    image::MergeImg(*context_, first, second, out);
+}
+
+void KorvaneLaserAlgo::CalcImageBuffer(unsigned char* current, unsigned char* out, const bool& enable) {
+    image::CalcImageBuffer(*context_, current, out, enable);
+}
+
+bool KorvaneLaserAlgo::AutoExposure(unsigned char* image, const double& target, const double& exposure,
+                                    const double& minExposure, const double& maxExposure, const double& step,
+                                    const bool& enable, double& newExposure) {
+    return image::AutoExposure(*context_, image, target, exposure, minExposure, maxExposure, step, enable, newExposure);
 }
 
 }  // namespace KORVANELASERALGO
