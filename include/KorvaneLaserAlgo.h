@@ -169,10 +169,10 @@ public:
     /// Follows one stripe: finds it from above at a fixed threshold of 60 grey levels, then looks only near the row of
     /// the column before, and takes the grey-weighted centroid of the bright rows.
     ///
-    /// For a clean single stripe. The first and last column and row are never searched; a `Width` below 3 or a
-    /// `Height` below 5 finds nothing. A stripe that fades by 10 % or more from one column to the next is searched
-    /// from the top again. Where the centroid rounds to the first or last row, no later column of the frame yields a
-    /// point.
+    /// For a clean single stripe. The first and last column are never searched, nor do the first two and the last 21
+    /// rows start a stripe (for a `Height` below 41, the last `Height` / 2 rows); a `Width` below 3 or a `Height` below
+    /// 5 finds nothing. A stripe that fades by 10 % or more from one column to the next is searched from the top again.
+    /// Where the centroid rounds to the first or last row, no later column of the frame yields a point.
     /// @param mask at least `Width` entries; true is written where the stripe was found
     /// @param image `Width` x `Height` bytes, read only
     /// @param points replaced by `Width` points; x is the column, y the centroid row, full-sensor pixels
@@ -182,13 +182,14 @@ public:
 
     /// Chooses among several bright runs per column at a fixed threshold of 60 grey levels, with the line selection.
     ///
-    /// For frames with reflections or a second line. Every run, or every hump of a long run, is a candidate with a
-    /// centre, a grey value and a width, and must pass the bounds of the line selection. A single candidate is taken;
+    /// For frames with reflections or a second line. Every run, or every hump of a long run, is a candidate and must
+    /// pass the bounds of the line selection: a whole run with the grey value of the pixel at its centre and its length
+    /// in rows, a hump with the grey value of its peak and the distance between its feet. A single candidate is taken;
     /// among several, the nearest to the neighbouring column's point wins where it lies within 5.0 rows, else
     /// `SelectMode` decides: 1 the greatest grey, 2 the last candidate in the chain whose grey value lies below a
     /// limit that starts at `Width` and becomes the width of each candidate taken, 3 the first, 4 the last, any other
     /// value none. Columns are walked to the right, then back to the left.
-    /// A column whose centre is row 0.0 of the ROI exactly counts as without a stripe.
+    /// A centre in row 0.0 of the ROI exactly does not mark its column.
     /// @param mask at least `Width` entries; true is written where a point was chosen
     /// @param image `Width` x `Height` bytes, read only
     /// @param points replaced by `Width` points, full-sensor pixels
@@ -201,7 +202,7 @@ public:
     /// For stripes whose brightness varies along the line. A single run of 20 rows or more is rejected; of several
     /// runs, the candidate within 5.0 rows of the neighbouring columns' line is taken. Columns are walked to the
     /// right, back to the left, and a column with one candidate left is filled at last.
-    /// A column whose centre is row 0.0 of the ROI exactly counts as without a stripe.
+    /// A centre in row 0.0 of the ROI exactly does not mark its column.
     /// @param mask at least `Width` entries; true is written where a point was chosen
     /// @param image `Width` x `Height` bytes, read only
     /// @param points replaced by `Width` points, full-sensor pixels
@@ -212,10 +213,11 @@ public:
     /// long straight stripe segments (standard Hough transform), pruned against a line interpolated between
     /// unambiguous columns, then chosen by following the neighbouring columns.
     ///
-    /// For shiny parts with many reflections; the slowest of the six. A column's only candidate is always taken;
-    /// among several, the nearest within 5.0 rows of the neighbour, else `SelectMode`: 1 the greatest grey, 2 the
-    /// smallest width, 3 the first, 4 the last, any other value the candidate that is brighter and narrower at once.
-    /// A column whose centre is row 0.0 of the ROI exactly counts as without a stripe.
+    /// For shiny parts with many reflections; the slowest of the six, above all on noisy frames. Grey value and width
+    /// of a candidate are measured as by `Cal2DPoint1_1`. A column's only candidate is always taken; among several, the
+    /// nearest within 5.0 rows of the neighbour, else `SelectMode`: 1 the greatest grey, 2 the smallest width, 3 the
+    /// first, 4 the last, any other value the candidate that is brighter and narrower at once. A centre in row 0.0 of
+    /// the ROI exactly does not mark its column.
     /// @param mask at least `Width` entries; true is written where a point was chosen
     /// @param image `Width` x `Height` bytes, read only
     /// @param points replaced by `Width` points, full-sensor pixels
@@ -318,7 +320,8 @@ public:
     ///
     /// A profile has one 3D point per column. Points with x = 0.0 are empty and neither change nor count as
     /// neighbours; neighbours are counted along the remaining points, across gaps. No setting of the object is read;
-    /// calls on different profiles may run in parallel.
+    /// calls on different profiles may run in parallel. The fixed limits of 5.0 length units are made for calibrations
+    /// in millimetres.
     /// @{
 
     /// Clears isolated points by votes: a point survives when more than `halfWidth` of its neighbours agree with its z
@@ -328,7 +331,7 @@ public:
     /// j + w, so the first usable point of a profile is always cleared. Fewer than 2 w + 1 usable points, or a
     /// negative half-width, leave the profile unchanged.
     /// @param profile changed in place: outliers become (0, 0, 0)
-    /// @param halfWidth w, in usable points
+    /// @param halfWidth w, in usable points; 5 to 10 is usual
     /// @param threshold largest difference in z of an agreeing neighbour, exclusive, in length units
     /// @throws std::bad_alloc where memory ends; the profile is unchanged then
     void Outlierdetect1(std::vector<tagKorvaneLaserPoint3d>& profile, const int& halfWidth, const float& threshold);
@@ -374,13 +377,14 @@ public:
     /// Within a bucket, a height that differs by more than 5.0 length units from the bucket's first starts the bucket
     /// anew, and that point counts twice. Bucket numbers truncate toward zero, so the bucket around x = 0 is twice as
     /// wide. Ten valid points or fewer, or a step not above their mean spacing, are passed through as they are; else
-    /// `out` is padded with empty points to the size of `in`.
+    /// `out` is padded with empty points to the size of `in`. x must grow along the profile: points before the first
+    /// one's bucket or beyond the last one's are dropped.
     /// @param in the profile, read only; not the same vector as `out`
     /// @param step bucket width, in length units
     /// @param out replaced
     /// @param count receives the number of meaningful points at the front of `out`
-    /// @throws std::length_error "vector too long" where the profile runs far toward smaller x; std::bad_alloc; `out`
-    /// and `count` are as they were then
+    /// @throws std::length_error "vector too long" where the profile runs toward smaller x by more than a bucket;
+    /// std::bad_alloc; `out` and `count` are as they were then
     void Downsample(const std::vector<tagKorvaneLaserPoint3d>& in, const float& step,
                     std::vector<tagKorvaneLaserPoint3d>& out, int& count);
 
@@ -442,8 +446,9 @@ public:
     ///
     /// Where the exposure changed by 0.01 or more since the previous frame, a straight line of width against exposure
     /// through both frames is solved for the target; else the exposure is stepped. The width counts as right within
-    /// 0.2 pixels when more than half of the columns show the stripe. The previous frame and exposure are
-    /// **process-wide**, shared by all objects: serialise the calls and feed one camera stream.
+    /// 0.2 pixels when more than half of the columns show the stripe. Far from the target a saturated stripe changes
+    /// its width little, and the line may ask for the other end of the range: keep the range narrow. The previous frame
+    /// and exposure are **process-wide**, shared by all objects: serialise the calls and feed one camera stream.
     /// @param image `Width` x `Height` bytes, read only
     /// @param target wanted bright width, in pixels
     /// @param exposure the exposure with which `image` was taken, in the caller's unit

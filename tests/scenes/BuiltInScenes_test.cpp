@@ -58,8 +58,7 @@ TEST(BuiltInScenes, ShowTheStripeFromTheFirstColumnToTheLastAndClearOfTheFirstAn
                 EXPECT_TRUE(frame.truth.front().visible) << name << ", frame " << number;
                 EXPECT_TRUE(frame.truth.back().visible) << name << ", frame " << number;
                 for (const TruePoint& truth : frame.truth) {
-                    if (!truth.visible)
-                        continue;
+                    if (!truth.visible) continue;
                     EXPECT_GE(truth.row - sensor.roi.OffsetY, kMargin);
                     EXPECT_LE(truth.row - sensor.roi.OffsetY, sensor.roi.Height - kMargin);
                 }
@@ -73,8 +72,7 @@ TEST(GaugeBlock, HasFlatStepsOfFiveTenAndFifteenMillimetres) {
     const Frame frame = Renderer(sensor, makeScene("gauge-block")).render({});
     int columnsAt[4] = {};  // of the table and the three steps
     for (const TruePoint& truth : frame.truth) {
-        if (!truth.visible)
-            continue;
+        if (!truth.visible) continue;
         const double height = sensor.tableDistance - truth.point.z;
         const int step = static_cast<int>(std::floor(height / 5.0 + 0.5));
         ASSERT_GE(step, 0);
@@ -82,8 +80,7 @@ TEST(GaugeBlock, HasFlatStepsOfFiveTenAndFifteenMillimetres) {
         EXPECT_NEAR(height, 5.0 * step, 1e-9);
         ++columnsAt[step];
     }
-    for (int columns : columnsAt)
-        EXPECT_GT(columns, 250);
+    for (int columns : columnsAt) EXPECT_GT(columns, 250);
 }
 
 TEST(Hemisphere, IsPartOfASphereOfTwentyMillimetres) {
@@ -92,8 +89,7 @@ TEST(Hemisphere, IsPartOfASphereOfTwentyMillimetres) {
     int onSphere = 0;
     for (const TruePoint& truth : frame.truth) {
         const double height = sensor.tableDistance - truth.point.z;
-        if (!truth.visible || height < 1e-6)
-            continue;
+        if (!truth.visible || height < 1e-6) continue;
         EXPECT_NEAR(std::hypot(truth.point.x, height), 20.0, 1e-6);
         ++onSphere;
     }

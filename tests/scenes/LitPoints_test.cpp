@@ -74,8 +74,7 @@ TEST(Truth, ProjectsBackToItsColumnAndRowAndLiesOnTheSurface) {
             int seen = 0;
             for (int column = 0; column < sensor.roi.Width; ++column) {
                 const TruePoint& truth = frame.truth[static_cast<std::size_t>(column)];
-                if (!truth.visible)
-                    continue;
+                if (!truth.visible) continue;
                 ++seen;
                 const double x = truth.point.x - m[9];
                 const double y = truth.point.y - m[10];

@@ -10,8 +10,7 @@ using scenes::parabolicWave;
 using scenes::RandomStream;
 
 TEST(ExpOfMinus, AgreesWithTheCLibraryToTwelveDigits) {
-    for (double t = 0.0; t < 100.0; t += 0.037)
-        EXPECT_NEAR(expOfMinus(t) / std::exp(-t), 1.0, 1e-12) << "t = " << t;
+    for (double t = 0.0; t < 100.0; t += 0.037) EXPECT_NEAR(expOfMinus(t) / std::exp(-t), 1.0, 1e-12) << "t = " << t;
 }
 
 TEST(ExpOfMinus, IsExactlyOneAtZeroAndVanishesFarOut) {
@@ -56,8 +55,7 @@ TEST(RandomStream, UniformNumbersFillTheUnitIntervalEvenly) {
         ASSERT_LT(value, 1.0);
         ++perTenth[static_cast<int>(value * 10.0)];
     }
-    for (int count : perTenth)
-        EXPECT_NEAR(count, kDraws / 10, 400);  // four standard errors: 4 * sqrt(n * 0.1 * 0.9)
+    for (int count : perTenth) EXPECT_NEAR(count, kDraws / 10, 400);  // four standard errors: 4 * sqrt(n * 0.1 * 0.9)
 }
 
 TEST(RandomStream, IntegersReachBothBounds) {
@@ -69,8 +67,7 @@ TEST(RandomStream, IntegersReachBothBounds) {
         ASSERT_LE(value, 5);
         ++seen[value - 3];
     }
-    for (int count : seen)
-        EXPECT_GT(count, 10);
+    for (int count : seen) EXPECT_GT(count, 10);
 }
 
 TEST(RandomStream, SeedFrameAndPurposeEachChangeTheNumbers) {

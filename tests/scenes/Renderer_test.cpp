@@ -23,8 +23,7 @@ Scene emptyScene() {
 
 double meanOf(const std::vector<unsigned char>& pixels) {
     double sum = 0.0;
-    for (int pixel : pixels)
-        sum += pixel;
+    for (int pixel : pixels) sum += pixel;
     return sum / static_cast<double>(pixels.size());
 }
 

@@ -148,8 +148,7 @@ TEST(StandardSensor, HoldsItsFlatSheetAtOneY) {
     const double* c = sensor.calibration.LaserPlane;
     const double y = c[0] / c[2] - c[0] / std::sqrt(c[1] * c[1] + c[2] * c[2] + 1.0);
     EXPECT_NEAR(sheetY(sensor), y, 1e-12);
-    for (int column = 80; column < 1360; column += 97)
-        EXPECT_NEAR(sheetPoint(sensor, column, 300.5).y, y, 1e-12);
+    for (int column = 80; column < 1360; column += 97) EXPECT_NEAR(sheetPoint(sensor, column, 300.5).y, y, 1e-12);
 }
 
 TEST(StandardSensor, SeesEightyMillimetresAtThirtyDegrees) {
@@ -168,17 +167,14 @@ TEST(StandardSensor, SeesEightyMillimetresAtThirtyDegrees) {
 }
 
 TEST(StandardSensor, LooksThroughALensOfFiveCoefficients) {
-    for (double coefficient : standardSensor().calibration.DistCoeffs)
-        EXPECT_NE(coefficient, 0.0);
+    for (double coefficient : standardSensor().calibration.DistCoeffs) EXPECT_NE(coefficient, 0.0);
 }
 
 TEST(CurvedSheetSensor, BendsByMillimetresAndSharesTheCameraAndTheTransform) {
     const Sensor flat = standardSensor();
     const Sensor curved = curvedSheetSensor();
-    for (int i = 0; i < 9; ++i)
-        EXPECT_EQ(curved.calibration.CameraMatrix[i], flat.calibration.CameraMatrix[i]);
-    for (int i = 0; i < 12; ++i)
-        EXPECT_EQ(curved.calibration.RT[i], flat.calibration.RT[i]);
+    for (int i = 0; i < 9; ++i) EXPECT_EQ(curved.calibration.CameraMatrix[i], flat.calibration.CameraMatrix[i]);
+    for (int i = 0; i < 12; ++i) EXPECT_EQ(curved.calibration.RT[i], flat.calibration.RT[i]);
     EXPECT_TRUE(curved.curvedSheet);
 
     const double edge = sheetPoint(curved, 80.0, 540.0).y;

@@ -153,6 +153,16 @@ inline testing::AssertionResult describe(bool same, double a, double b) {
     return testing::AssertionFailure() << testing::PrintToString(a) << " is not " << testing::PrintToString(b);
 }
 
+inline testing::AssertionResult comparedBits(double a, double b) {
+    return describe(sameBits(a, b), a, b);
+}
+inline testing::AssertionResult comparedBits(const Point2d& a, const Point2d& b) {
+    return describe(sameBits(a, b), a, b);
+}
+inline testing::AssertionResult comparedBits(const Point3d& a, const Point3d& b) {
+    return describe(sameBits(a, b), a, b);
+}
+
 /// Names the first element that differs.
 template <class T>
 testing::AssertionResult sameBits(const std::vector<T>& a, const std::vector<T>& b) {
@@ -166,6 +176,6 @@ testing::AssertionResult sameBits(const std::vector<T>& a, const std::vector<T>&
 }  // namespace support
 
 /// Equal bits, with both values in the message.
-#define EXPECT_SAME_BITS(a, b) EXPECT_TRUE(support::describe(support::sameBits((a), (b)), (a), (b)))
+#define EXPECT_SAME_BITS(a, b) EXPECT_TRUE(support::comparedBits((a), (b)))
 
 #endif  // KORVANE_TESTS_SUPPORT_SUPPORT_H

@@ -12,8 +12,7 @@ constexpr int kEndedTooEarly = 86;  // exit status
 bool processMayEnd = false;
 
 void failUnlessFinished() {
-    if (processMayEnd)
-        return;
+    if (processMayEnd) return;
     std::fputs("The process ended before the test runner had finished.\n", stderr);
     std::_Exit(kEndedTooEarly);
 }
