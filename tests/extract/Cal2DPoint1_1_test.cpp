@@ -32,12 +32,6 @@ testing::AssertionResult rowsAre(Image& image, const std::vector<double>& rows) 
     return rowsAre(image, Select{}, rows);
 }
 
-/// An object that accepts every candidate.
-void prepare(KorvaneLaserAlgo& algo, int width, int height, int offsetX = 0, int offsetY = 0) {
-    setRoi(algo, width, height, offsetX, offsetY);
-    support::setLineSelect(algo, 0, 255, 0, 100, 3);
-}
-
 /// A column of 40 rows with one run, which begins at row 10.
 Image columnWith(const std::vector<int>& run) {
     Image image(1, 40);
@@ -53,116 +47,6 @@ Image columnOfTwoRunsWith(const std::vector<int>& run) {
 }
 
 // ---- Outputs
-
-TEST(Cal2DPoint1_1, OldPointsAreReplacedByOnePointPerColumn) {
-    Image image(3, 20);
-    drawSpot(image, 1, 10);
-    KorvaneLaserAlgo algo;
-    prepare(algo, 3, 20);
-    Mask mask(3);
-    Points2d points(7, {9.0, 9.0});
-    algo.Cal2DPoint1_1(mask.data(), image.data(), points);
-    EXPECT_TRUE(support::sameBits(points, Points2d{{0.0, 0.0}, {1.0, 10.0}, {0.0, 0.0}}));
-}
-
-TEST(Cal2DPoint1_1, MaskEntryThatWasTrueStaysTrueInAColumnWithoutStripe) {
-    Image image(3, 20);
-    drawSpot(image, 1, 10);
-    KorvaneLaserAlgo algo;
-    prepare(algo, 3, 20);
-    Mask mask(3);
-    mask[2] = true;
-    Points2d points;
-    algo.Cal2DPoint1_1(mask.data(), image.data(), points);
-    EXPECT_EQ(mask.marked(), (std::vector<int>{1, 2}));
-}
-
-TEST(Cal2DPoint1_1, OffsetsAreAddedFoundOrNot) {
-    Image image(2, 20);
-    drawSpot(image, 1, 10);
-    KorvaneLaserAlgo algo;
-    prepare(algo, 2, 20, 1000, -7);
-    Mask mask(2);
-    Points2d points;
-    algo.Cal2DPoint1_1(mask.data(), image.data(), points);
-    EXPECT_TRUE(support::sameBits(points, Points2d{{1000.0, -7.0}, {1001.0, 3.0}}));
-}
-
-TEST(Cal2DPoint1_1, MaskFollowsTheRowBeforeTheOffset) {
-    Image image(2, 20);
-    drawSpot(image, 1, 10);
-    KorvaneLaserAlgo algo;
-    Mask mask(2);
-    Points2d points;
-    prepare(algo, 2, 20, 0, -10);
-    algo.Cal2DPoint1_1(mask.data(), image.data(), points);
-    EXPECT_SAME_BITS(points[1], (support::Point2d{1.0, 0.0}));
-    EXPECT_EQ(mask.marked(), std::vector<int>{1});
-
-    prepare(algo, 2, 20, 0, 5);
-    algo.Cal2DPoint1_1(mask.data(), image.data(), points);
-    EXPECT_SAME_BITS(points[0], (support::Point2d{0.0, 5.0}));
-    EXPECT_EQ(mask.marked(), std::vector<int>{1});
-}
-
-TEST(Cal2DPoint1_1, OffsetsAtTheIntLimitsAreAddedAsDoubles) {
-    Image image(2, 20);
-    drawSpot(image, 1, 10);
-    KorvaneLaserAlgo algo;
-    prepare(algo, 2, 20, INT_MAX, INT_MIN);
-    Mask mask(2);
-    Points2d points;
-    algo.Cal2DPoint1_1(mask.data(), image.data(), points);
-    EXPECT_TRUE(support::sameBits(points, Points2d{{2147483647.0, -2147483648.0}, {2147483648.0, -2147483638.0}}));
-}
-
-TEST(Cal2DPoint1_1, WidthBelowOneGivesNoPoint) {
-    for (int width : {0, -1, INT_MIN}) {
-        Image image(1, 20, 255);
-        KorvaneLaserAlgo algo;
-        prepare(algo, width, 20);
-        Mask mask(1);
-        Points2d points(3, {9.0, 9.0});
-        algo.Cal2DPoint1_1(mask.data(), image.data(), points);
-        EXPECT_TRUE(points.empty());
-        EXPECT_FALSE(mask[0]);
-    }
-}
-
-TEST(Cal2DPoint1_1, HeightBelowOneGivesOffsetsOnly) {
-    for (int height : {0, -1, INT_MIN}) {
-        Image image(2, 1, 255);
-        KorvaneLaserAlgo algo;
-        prepare(algo, 2, height, 4, 3);
-        Mask mask(2);
-        Points2d points;
-        algo.Cal2DPoint1_1(mask.data(), image.data(), points);
-        EXPECT_TRUE(support::sameBits(points, Points2d{{4.0, 3.0}, {4.0, 3.0}}));
-        EXPECT_EQ(mask.marked(), std::vector<int>{});
-    }
-}
-
-TEST(Cal2DPoint1_1, SmallestFramesAreSearchedToTheirBorders) {
-    for (int width : {1, 2, 3}) {
-        for (int height : {2, 3}) {
-            Image image(width, height, 100);
-            const double middle = (height - 1) / 2.0;
-            EXPECT_TRUE(rowsAre(image, std::vector<double>(static_cast<std::size_t>(width), middle)));
-        }
-    }
-}
-
-TEST(Cal2DPoint1_1, CentreOnRowZeroCountsAsNotFound) {
-    Image image(3, 1);
-    drawRun(image, 2, 0, {255});
-    KorvaneLaserAlgo algo;
-    prepare(algo, 3, 1, 10, 20);
-    Mask mask(3);
-    Points2d points;
-    algo.Cal2DPoint1_1(mask.data(), image.data(), points);
-    EXPECT_TRUE(support::sameBits(points, Points2d{{10.0, 20.0}, {10.0, 20.0}, {12.0, 20.0}}));
-    EXPECT_EQ(mask.marked(), std::vector<int>{});
-}
 
 TEST(Cal2DPoint1_1, FrameIsReadOnly) {
     Image image(4, 60);
