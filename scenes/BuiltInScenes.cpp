@@ -158,6 +158,7 @@ constexpr std::array kMakers = {gaugeBlock, weldBead, hemisphere, vGroove, hard,
 
 std::vector<std::string> sceneNames() {
     std::vector<std::string> names;
+    names.reserve(kMakers.size());
     for (const auto& make : kMakers) names.push_back(make().name);
     return names;
 }

@@ -48,10 +48,10 @@ std::vector<bool> randomGroups(int width, double share, int shortest, int longes
     const double meanLength = 0.5 * (shortest + longest);
     const double startProbability = share / (share + meanLength * (1.0 - share));
     int left = 0;
-    for (std::size_t column = 0; column < marked.size(); ++column) {
+    for (auto&& column : marked) {
         if (left == 0 && random.uniform() < startProbability) left = random.integer(shortest, longest);
         if (left > 0) {
-            marked[column] = true;
+            column = true;
             --left;
         }
     }

@@ -115,7 +115,7 @@ std::vector<Eigen::Vector3d> sheetPoints(const std::vector<TargetView>& views,
             if (!view.found[column]) continue;
             const tagKorvaneLaserPoint2d& pixel = view.undistorted[column];
             const Eigen::Vector3d sight((pixel.x - cx) / fx, (pixel.y - cy) / fy, 1.0);
-            points.push_back(view.plate.distance / view.plate.normal.dot(sight) * sight);
+            points.emplace_back(view.plate.distance / view.plate.normal.dot(sight) * sight);
         }
     return points;
 }

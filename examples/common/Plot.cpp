@@ -89,7 +89,8 @@ void drawLegend(const Panel& panel) {
     plgspa(&left, &right, &bottom, &top);
 
     double position = 1.0;
-    for (auto curve = panel.curves.rbegin(); curve != panel.curves.rend(); ++curve) {
+    // From the right to the left.
+    for (auto curve = panel.curves.rbegin(); curve != panel.curves.rend(); ++curve) {  // NOLINT(modernize-loop-convert)
         if (curve->label.empty()) continue;
         useColour(curve->colour);
         plmtex("t", 1.0, position, 1.0, plainText(curve->label).c_str());

@@ -2,14 +2,10 @@
 /// @brief korvane-host: runs the library on a stream of frames, from the command line.
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <cstdio>
-#include <cstdlib>
-#include <exception>
-#include <new>
 #include <string>
 
-#include "KorvaneLaserAlgo.h"
+#include "common/Program.h"
 #include "host/Run.h"
 #include "host/Settings.h"
 #include "scenes/SimulatedSensor.h"
@@ -17,39 +13,19 @@
 namespace {
 
 constexpr int kMostFrames = 100000;
-constexpr int kBadInput = 2;  // exit status
-
-std::string libraryVersion() {
-    std::string version;
-    KORVANELASERALGO::KorvaneLaserAlgo().GetSdkVersionString(version);
-    return version;
-}
-
-/// A check of a number's size that not-a-number does not pass.
-CLI::Validator within(double least, double most) {
-    const auto check = [least, most](const std::string& text) {
-        char* end = nullptr;
-        const double value = std::strtod(text.c_str(), &end);
-        if (*end == '\0' && value >= least && value <= most) return std::string();
-        char reason[100];
-        std::snprintf(reason, sizeof(reason), " is not a number in %.10g .. %.10g", least, most);
-        return text + reason;
-    };
-    return CLI::Validator(check, "");
-}
 
 void describe(CLI::App& app, host::Options& options, bool& listScenes) {
     auto* simulate =
         app.add_option("--simulate", options.scene, "Scene that the simulated sensor looks at (see --list-scenes)");
     simulate->option_text("SCENE [gauge-block]")->check(CLI::IsMember(scenes::sceneNames()));
     auto* frames = app.add_option("--frames", options.frames, "Number of simulated frames");
-    frames->option_text("N [100]")->check(within(1, kMostFrames));
+    frames->option_text("N [100]")->check(examples::within(1, kMostFrames));
     auto* seed = app.add_option("--seed", options.seed, "Seed of everything random in simulated frames");
-    seed->option_text("N [1]")->check(within(0, 4294967295.0));
+    seed->option_text("N [1]")->check(examples::within(0, 4294967295.0));
     auto* exposure = app.add_option("--exposure", options.exposure, "Light of the first simulated frame, as a factor");
-    exposure->option_text("X [1]")->check(within(1e-3, 1e3));
+    exposure->option_text("X [1]")->check(examples::within(1e-3, 1e3));
     auto* flicker = app.add_option("--flicker", options.flicker, "Change of simulated light from frame to frame");
-    flicker->option_text("X [0]")->check(within(0.0, 1.0));
+    flicker->option_text("X [0]")->check(examples::within(0.0, 1.0));
 
     auto* images = app.add_option("--images", options.images,
                                   "Recorded frames instead: one 8-bit grey PNG or PGM file, or a folder of them");
@@ -71,7 +47,7 @@ void describe(CLI::App& app, host::Options& options, bool& listScenes) {
                    "Write the complete settings of such a run, a template to edit, and end")
         ->option_text("FILE.json");
     app.add_flag("--list-scenes", listScenes, "Name the scenes of the simulated sensor and end");
-    app.set_version_flag("--version", libraryVersion(), "Show the version of the library and end");
+    app.set_version_flag("--version", examples::libraryVersion(), "Show the version of the library and end");
     app.get_formatter()->column_width(38);
 }
 
@@ -80,24 +56,12 @@ void printScenes() {
         std::printf("%-14s %s\n", name.c_str(), scenes::makeScene(name).description.c_str());
 }
 
-/// One line, whatever a file name or a library's message may hold.
-int complain(std::string reason) {
-    std::replace_if(
-        reason.begin(), reason.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
-    std::fprintf(stderr, "korvane-host: %s\n", reason.c_str());
-    return kBadInput;
-}
-
 }  // namespace
 
 int main(int argc, char** argv) {
     host::Options options;
     bool listScenes = false;
-    CLI::App app("Measures profiles from frames of a laser stripe, simulated or recorded.", "korvane-host");
-    try {
-        describe(app, options, listScenes);
-        app.parse(argc, argv);
-
+    const auto work = [&] {
         if (listScenes) {
             printScenes();
         } else if (!options.writeSettings.empty()) {
@@ -107,12 +71,8 @@ int main(int argc, char** argv) {
             const host::Report report = host::runHost(options);
             std::printf("%s\nresults in %s\n", host::reportText(report).c_str(), options.output.string().c_str());
         }
-        return 0;
-    } catch (const CLI::Success& helpOrVersion) {
-        return app.exit(helpOrVersion);
-    } catch (const std::bad_alloc&) {
-        return complain("not enough memory");
-    } catch (const std::exception& error) {
-        return complain(error.what());
-    }
+    };
+    return examples::runProgram(
+        "korvane-host", "Measures profiles from frames of a laser stripe, simulated or recorded.", argc, argv,
+        [&](CLI::App& app) { describe(app, options, listScenes); }, work);
 }

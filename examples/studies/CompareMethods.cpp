@@ -8,6 +8,7 @@
 #include <cstdio>
 
 #include "common/Png.h"
+#include "common/Program.h"
 #include "studies/StripePicture.h"
 #include "studies/Study.h"
 
@@ -220,7 +221,7 @@ void describe(CLI::App& app, Options& options) {
 
 int main(int argc, char** argv) {
     Options options;
-    return studies::runStudy(
+    return examples::runProgram(
         "korvane-compare-methods",
         "Measures the six extraction methods on a simulated scene and prints a Markdown table.", argc, argv,
         [&](CLI::App& app) { describe(app, options); }, [&] { compareMethods(options); });

@@ -12,6 +12,7 @@
 
 #include "common/Plot.h"
 #include "common/Png.h"
+#include "common/Program.h"
 #include "studies/StripePicture.h"
 #include "studies/Study.h"
 
@@ -381,7 +382,7 @@ void describe(CLI::App& app, Options& options) {
 
 int main(int argc, char** argv) {
     Options options;
-    return studies::runStudy(
+    return examples::runProgram(
         "korvane-exposure-study",
         "Closes the loop of AutoExposure, merges two exposures, removes what moves; prints Markdown tables.", argc,
         argv, [&](CLI::App& app) { describe(app, options); },

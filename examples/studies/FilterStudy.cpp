@@ -9,6 +9,7 @@
 
 #include "common/Plot.h"
 #include "common/Png.h"
+#include "common/Program.h"
 #include "studies/Study.h"
 
 namespace {
@@ -320,7 +321,7 @@ void describe(CLI::App& app, Options& options) {
 
 int main(int argc, char** argv) {
     Options options;
-    return studies::runStudy(
+    return examples::runProgram(
         "korvane-filter-study",
         "Shows what each profile filter does to a weld bead with outliers and prints a Markdown table.", argc, argv,
         [&](CLI::App& app) { describe(app, options); }, [&] { studyFilters(options); });

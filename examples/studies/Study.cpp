@@ -6,7 +6,6 @@
 #include <cstddef>
 #include <cstdio>
 #include <limits>
-#include <new>
 #include <stdexcept>
 #include <system_error>
 
@@ -21,7 +20,6 @@ using KORVANELASERALGO::tagKorvaneLaserPoint3d;
 
 namespace {
 
-constexpr int kBadInput = 2;             // exit status
 constexpr double kMicrometres = 1000.0;  // in a millimetre
 
 using Library = KorvaneLaserAlgo;
@@ -54,14 +52,6 @@ void callCal2DPoint4(Library& library, bool* mask, unsigned char* image, Points2
         point.x += library.GetROIInfoOffsetX();
         point.y += library.GetROIInfoOffsetY();
     }
-}
-
-/// One line, whatever a file name or a library's message may hold.
-int complain(const std::string& program, std::string reason) {
-    std::replace_if(
-        reason.begin(), reason.end(), [](char c) { return c == '\n' || c == '\r'; }, ' ');
-    std::fprintf(stderr, "%s: %s\n", program.c_str(), reason.c_str());
-    return kBadInput;
 }
 
 }  // namespace
@@ -182,25 +172,6 @@ void preparePicturesFolder(const std::filesystem::path& folder) {
     std::error_code refused;
     std::filesystem::create_directories(folder, refused);
     if (refused) throw Failure(folder.string() + ": cannot be created: " + refused.message());
-}
-
-int runStudy(const char* name, const char* description, int argc, char** argv,
-             const std::function<void(CLI::App&)>& describe, const std::function<void()>& study) {
-    try {
-        CLI::App app(description, name);
-        describe(app);
-        try {
-            app.parse(argc, argv);
-        } catch (const CLI::Success& help) {
-            return app.exit(help);
-        }
-        study();
-        return 0;
-    } catch (const std::bad_alloc&) {
-        return complain(name, "not enough memory");
-    } catch (const std::exception& error) {
-        return complain(name, error.what());
-    }
 }
 
 }  // namespace studies

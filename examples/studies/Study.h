@@ -1,6 +1,6 @@
 /// @file Study.h
 /// @brief What the studies share: the library on frames of the simulated sensor, scores against the truth, numbers as
-/// text, and how a program starts and gives up.
+/// text.
 
 #ifndef KORVANE_STUDIES_STUDY_H
 #define KORVANE_STUDIES_STUDY_H
@@ -8,7 +8,6 @@
 #include <CLI/CLI.hpp>
 #include <array>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -110,12 +109,6 @@ std::string tableRow(const std::vector<std::string>& cells);
 void addPicturesOption(CLI::App& app, std::filesystem::path& folder);
 /// Makes sure that the folder exists where one is asked for; throws `Failure`.
 void preparePicturesFolder(const std::filesystem::path& folder);
-
-/// The body of `main`: describes the command line, parses it and runs the study. Bad input ends in one line on the
-/// standard error stream.
-/// @returns the exit status: 0, or 2 for bad input
-int runStudy(const char* name, const char* description, int argc, char** argv,
-             const std::function<void(CLI::App&)>& describe, const std::function<void()>& study);
 
 }  // namespace studies
 
