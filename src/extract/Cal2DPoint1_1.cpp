@@ -8,7 +8,7 @@
 #include "extract/RunCandidates.h"
 #include "extract/StripeCandidates.h"
 #include "extract/extract.h"
-#include "kernels/kernels.h"
+#include "kernels/ColumnRuns.h"
 
 namespace KORVANELASERALGO::extract {
 namespace {
@@ -30,28 +30,30 @@ bool passesUnsignedBounds(const LineSelect& bounds, const Candidate& candidate) 
            asUnsigned(candidate.width) <= asUnsigned(bounds.WidthMax);
 }
 
-ColumnLists<Candidate> gatherCandidates(const kernels::ColumnRuns& runs, int width, const LineSelect& bounds) {
-    ColumnLists<Candidate> candidates(width);
+ColumnLists<Candidate> gatherCandidates(const ImageView& image, const kernels::ColumnRuns& runs,
+                                        const LineSelect& bounds) {
+    ColumnLists<Candidate> candidates(image.width);
     RunHumps humps;
-    for (int c = 0; c < width; ++c) {
+    for (int c = 0; c < image.width; ++c) {
         const auto column = runs.ofColumn(c);
         if (column.size() == 1) {
-            const kernels::Run& run = column.front();
+            const BrightRun run(image, c, column.front());
             if (asUnsigned(run.length) < asUnsigned(bounds.WidthMax)) {
-                const Candidate whole = wholeRunCandidate(runs, run);
+                const Candidate whole = wholeRunCandidate(run);
                 if (passesBounds(bounds, whole.grey, whole.width)) candidates.add(whole);
             } else {
                 // A long single run without a hump gives no candidate: this is meant.
-                humps.find(runs, run);
-                humps.addCandidates(runs, run, bounds, candidates);
+                humps.find(run);
+                humps.addCandidates(run, bounds, candidates);
             }
         } else {
-            for (const kernels::Run& run : column) {
-                if (run.length < kShortestRun) continue;
-                humps.find(runs, run);
-                humps.addCandidates(runs, run, bounds, candidates);
+            for (const kernels::Run& extent : column) {
+                if (extent.length < kShortestRun) continue;
+                const BrightRun run(image, c, extent);
+                humps.find(run);
+                humps.addCandidates(run, bounds, candidates);
                 if (!humps.none()) continue;
-                const Candidate whole = wholeRunCandidate(runs, run);
+                const Candidate whole = wholeRunCandidate(run);
                 if (passesUnsignedBounds(bounds, whole)) candidates.add(whole);
             }
         }
@@ -127,7 +129,7 @@ void Cal2DPoint1_1(const AlgoContext& context, bool* mask, const unsigned char* 
     // Candidates.
     const std::vector<unsigned char> thresholds(points.size(), kBright);
     const auto runs = kernels::findColumnRuns(view.bytes, view.width, view.height, thresholds.data());
-    const auto candidates = gatherCandidates(runs, view.width, lineSelect);
+    const auto candidates = gatherCandidates(view, runs, lineSelect);
 
     // Left to right.
     double previous = 0.0;

@@ -9,6 +9,7 @@
 #include "extract/RunCandidates.h"
 #include "extract/StripeCandidates.h"
 #include "extract/extract.h"
+#include "kernels/ColumnRuns.h"
 #include "kernels/kernels.h"
 
 namespace KORVANELASERALGO::extract {
@@ -19,18 +20,29 @@ constexpr int kSpan = 3;              // rows on each side of a peak that belong
 constexpr int kLongSingleRun = 20;    // rows; a single run of this length is not taken for the stripe
 constexpr int kShortestMargin = 5;    // rows; runs less than this longer than the shortest are examined for peaks
 
-std::vector<unsigned char> columnThresholds(const ImageView& image) {
-    std::vector<unsigned char> thresholds(static_cast<std::size_t>(image.width));
-    kernels::findColumnMaxima(image.bytes, image.width, image.height, thresholds.data());
-    for (unsigned char& threshold : thresholds) threshold = std::max(static_cast<unsigned char>(threshold / 2), kFloor);
-    return thresholds;
-}
+// Half of each column's brightest pixel, at least the floor, and where pixels brighter than the floor are.
+struct Brightness {
+    std::vector<unsigned char> thresholds;
+    std::vector<unsigned char> active;
 
-double singleRunCentre(const kernels::ColumnRuns& runs, const kernels::Run& run) {
-    if (run.length < 3) return runCentroid(runs, run, 0, run.length - 1);
-    const auto greys = runs.greysOf(run);
-    const int peak = static_cast<int>(std::max_element(greys.begin(), greys.end()) - greys.begin());
-    return runCentroid(runs, run, peak - kSpan, peak + kSpan);
+    explicit Brightness(const ImageView& image)
+        : thresholds(static_cast<std::size_t>(image.width)),
+          active(static_cast<std::size_t>(kernels::bandsOf(image.height)) *
+                 static_cast<std::size_t>(kernels::blocksOf(image.width))) {
+        kernels::active().findColumnMaxima(image.bytes, image.width, image.height, kFloor, thresholds.data(),
+                                           active.data());
+        for (unsigned char& threshold : thresholds)
+            threshold = std::max(static_cast<unsigned char>(threshold / 2), kFloor);
+    }
+};
+
+double singleRunCentre(const BrightRun& run) {
+    if (run.length < 3) return runCentroid(run, 0, run.length - 1);
+    int peak = 0;
+    for (int i = 1; i < run.length; ++i) {
+        if (run.grey(i) > run.grey(peak)) peak = i;
+    }
+    return runCentroid(run, peak - kSpan, peak + kSpan);
 }
 
 // Peaks of a run, in buffers that are reused from run to run.
@@ -40,37 +52,37 @@ struct PeakBuffers {
     std::vector<int> values;
 };
 
-void addPeakCentres(const kernels::ColumnRuns& runs, const kernels::Run& run, PeakBuffers& peaks,
-                    ColumnLists<double>& centres) {
-    const auto greys = runs.greysOf(run);
-    peaks.profile.assign(greys.begin(), greys.end());
+void addPeakCentres(const BrightRun& run, PeakBuffers& peaks, ColumnLists<double>& centres) {
+    copyGreys(run, peaks.profile);
     peaks.positions.clear();
     peaks.values.clear();
     FindPeaks(peaks.profile, peaks.positions, peaks.values);
 
     for (std::size_t k = 0; k < peaks.positions.size(); ++k) {
-        std::size_t plateauEnd = static_cast<std::size_t>(peaks.positions[k]);
-        while (plateauEnd + 1 < greys.size() && greys[plateauEnd + 1] == peaks.values[k]) ++plateauEnd;
-        centres.add(runCentroid(runs, run, peaks.positions[k] - kSpan, static_cast<int>(plateauEnd) + kSpan));
+        int plateauEnd = peaks.positions[k];
+        while (plateauEnd + 1 < run.length && run.grey(plateauEnd + 1) == peaks.values[k]) ++plateauEnd;
+        centres.add(runCentroid(run, peaks.positions[k] - kSpan, plateauEnd + kSpan));
     }
 }
 
-ColumnLists<double> gatherCentres(const kernels::ColumnRuns& runs, int width) {
-    ColumnLists<double> centres(width);
+ColumnLists<double> gatherCentres(const ImageView& image, const kernels::ColumnRuns& runs) {
+    ColumnLists<double> centres(image.width);
     PeakBuffers peaks;
-    for (int c = 0; c < width; ++c) {
+    for (int c = 0; c < image.width; ++c) {
         const auto column = runs.ofColumn(c);
         if (column.size() == 1) {
-            if (column.front().length < kLongSingleRun) centres.add(singleRunCentre(runs, column.front()));
+            const BrightRun run(image, c, column.front());
+            if (run.length < kLongSingleRun) centres.add(singleRunCentre(run));
         } else if (column.size() > 1) {
             // The short runs are examined peak by peak, the long ones taken whole: this is meant.
             const auto shorter = [](const kernels::Run& a, const kernels::Run& b) { return a.length < b.length; };
             const int shortest = std::min_element(column.begin(), column.end(), shorter)->length;
-            for (const kernels::Run& run : column) {
+            for (const kernels::Run& extent : column) {
+                const BrightRun run(image, c, extent);
                 if (run.length - shortest < kShortestMargin) {
-                    addPeakCentres(runs, run, peaks, centres);
+                    addPeakCentres(run, peaks, centres);
                 } else {
-                    centres.add(runCentroid(runs, run, 0, run.length - 1));
+                    centres.add(runCentroid(run, 0, run.length - 1));
                 }
             }
         }
@@ -87,9 +99,10 @@ void Cal2DPoint2(const AlgoContext& context, bool* mask, const unsigned char* im
     const auto pointOf = [&](int c) -> tagKorvaneLaserPoint2d& { return points[static_cast<std::size_t>(c)]; };
 
     // Candidates.
-    const auto thresholds = columnThresholds(view);
-    const auto runs = kernels::findColumnRuns(view.bytes, view.width, view.height, thresholds.data());
-    const auto centres = gatherCentres(runs, view.width);
+    const Brightness brightness(view);
+    const auto runs = kernels::findColumnRuns(view.bytes, view.width, view.height, brightness.thresholds.data(),
+                                              brightness.active.data());
+    const auto centres = gatherCentres(view, runs);
 
     // Writes the candidate near a tracked row, which becomes its row.
     const auto takeNearest = [&](int c, double& row, int startDistance) {

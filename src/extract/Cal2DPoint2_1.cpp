@@ -19,7 +19,7 @@
 #include "extract/RunCandidates.h"
 #include "extract/StripeCandidates.h"
 #include "extract/extract.h"
-#include "kernels/kernels.h"
+#include "kernels/ColumnRuns.h"
 
 namespace KORVANELASERALGO::extract {
 namespace {
@@ -39,30 +39,32 @@ constexpr double kPruningTolerance = 10.0;  // rows; farther candidates are drop
 
 // ---- candidates ----
 
-ColumnLists<Candidate> gatherCandidates(const kernels::ColumnRuns& runs, int width, const LineSelect& bounds) {
-    ColumnLists<Candidate> candidates(width);
+ColumnLists<Candidate> gatherCandidates(const ImageView& image, const kernels::ColumnRuns& runs,
+                                        const LineSelect& bounds) {
+    ColumnLists<Candidate> candidates(image.width);
     RunHumps humps;
-    const auto addWholeRun = [&](const kernels::Run& run) {
-        const Candidate whole = wholeRunCandidate(runs, run);
+    const auto addWholeRun = [&](const BrightRun& run) {
+        const Candidate whole = wholeRunCandidate(run);
         if (passesBounds(bounds, whole.grey, whole.width)) candidates.add(whole);
     };
 
-    for (int c = 0; c < width; ++c) {
+    for (int c = 0; c < image.width; ++c) {
         const auto column = runs.ofColumn(c);
         if (column.size() == 1) {
-            const kernels::Run& run = column.front();
+            const BrightRun run(image, c, column.front());
             if (run.length < kLongSingleRun) {
                 addWholeRun(run);
             } else {
                 // A long single run without a hump gives no candidate, unlike one among several: this is meant.
-                humps.find(runs, run);
-                humps.addCandidates(runs, run, bounds, candidates);
+                humps.find(run);
+                humps.addCandidates(run, bounds, candidates);
             }
         } else {
-            for (const kernels::Run& run : column) {
-                if (run.length < kShortestRun) continue;
-                humps.find(runs, run);
-                humps.addCandidates(runs, run, bounds, candidates);
+            for (const kernels::Run& extent : column) {
+                if (extent.length < kShortestRun) continue;
+                const BrightRun run(image, c, extent);
+                humps.find(run);
+                humps.addCandidates(run, bounds, candidates);
                 if (humps.none()) addWholeRun(run);
             }
         }
@@ -251,7 +253,7 @@ void Cal2DPoint2_1(const AlgoContext& context, bool* mask, const unsigned char* 
     // Candidates, segments, pruning.
     const std::vector<unsigned char> thresholds(points.size(), kBright);
     const auto runs = kernels::findColumnRuns(view.bytes, view.width, view.height, thresholds.data());
-    const auto gathered = gatherCandidates(runs, view.width, context.lineSelect);
+    const auto gathered = gatherCandidates(view, runs, context.lineSelect);
     const auto segments = findSegments(context, gathered, view.width);
     const auto filtered = keepOnSegments(gathered, segments, view.width);
     const auto candidates = prune(filtered, view.width);

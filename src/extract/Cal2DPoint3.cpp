@@ -18,9 +18,8 @@ public:
         // The first and last row count no more than they are searched.
         if (image.height < 3) return;
         std::vector<std::uint32_t> counts(perColumn_.size(), 0);
-        std::vector<std::uint64_t> sums(perColumn_.size(), 0);
-        kernels::countAbove(image.row(1), image.width, image.height - 2, kBright, counts.data());
-        kernels::sumAbove(image.row(1), image.width, image.height - 2, kBright, sums.data());
+        std::vector<std::uint32_t> sums(perColumn_.size(), 0);
+        kernels::active().sumAbove(image.row(1), image.width, image.height - 2, kBright, counts.data(), sums.data());
 
         for (std::size_t c = 0; c < perColumn_.size(); ++c) {
             // The cap does not reach a column without a bright pixel. This is meant.

@@ -7,6 +7,7 @@
 
 #include "algo/ImageView.h"
 #include "extract/extract.h"
+#include "kernels/kernels.h"
 
 namespace KORVANELASERALGO::extract {
 
@@ -17,16 +18,7 @@ void Cal2DPoint4(const AlgoContext& context, bool* mask, unsigned char* image, P
     std::vector<std::uint32_t> sums(columns, 0);
     std::vector<float> moments(columns, 0.0f);
 
-    // Cut and sum. A pixel of 0 adds +0.0f to its moment, which changes nothing.
-    for (int r = 0; r < view.height; ++r) {
-        unsigned char* row = view.row(r);
-        for (std::size_t c = 0; c < columns; ++c) {
-            if (row[c] < threshold) row[c] = 0;
-            if (row[c] == 0) continue;
-            sums[c] += row[c];
-            moments[c] += static_cast<float>(std::int64_t{r} * row[c]);
-        }
-    }
+    kernels::active().cutAndSum(view.bytes, view.width, view.height, threshold, sums.data(), moments.data());
 
     for (std::size_t c = 0; c < columns; ++c) {
         const float row = sums[c] == 0 ? 0.0f : moments[c] / static_cast<float>(sums[c]);

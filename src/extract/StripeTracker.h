@@ -63,8 +63,9 @@ public:
     }
 
 private:
-    static constexpr int kSearchedColumns = 64;  // columns that are searched together, for they share cache lines
-    static constexpr double kContinuity = 0.9;   // share of the left neighbour's grey value that must remain
+    static constexpr int kSearchedColumns =
+        kernels::kBlockColumns;                 // columns that are searched together, for they share cache lines
+    static constexpr double kContinuity = 0.9;  // share of the left neighbour's grey value that must remain
 
     // Searches the column from above; on success sets `point`, unless all of the filled pixels are zero.
     bool search(int column, tagKorvaneLaserPoint2d& point) {
@@ -87,8 +88,8 @@ private:
     void searchColumnsFrom(int column) {
         searchedEnd_ = std::min(column + kSearchedColumns, image_.width - 1);
         const int endRow = std::min(image_.height - window_.half - 1, image_.height - 1);
-        kernels::findStripeStarts(image_.bytes, image_.width, column, searchedEnd_, 2, endRow,
-                                  thresholds_.searchThresholds(), starts_.data());
+        kernels::active().findStripeStarts(image_.bytes, image_.width, column, searchedEnd_, 2, endRow,
+                                           thresholds_.searchThresholds(), starts_.data());
     }
 
     // Looks for the stripe around the predicted row; on success sets `point`.

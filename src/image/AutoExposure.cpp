@@ -50,7 +50,8 @@ struct BrightWidth {
 
 BrightWidth measureBrightWidth(const ImageView& image) {
     std::vector<std::uint32_t> counts(static_cast<std::size_t>(image.width), 0);
-    kernels::countAbove(image.bytes, image.width, image.height, kBright, counts.data());
+    std::vector<std::uint32_t> sums(counts.size(), 0);
+    kernels::active().sumAbove(image.bytes, image.width, image.height, kBright, counts.data(), sums.data());
 
     std::int64_t pixels = 0;
     std::int64_t columns = 0;

@@ -19,7 +19,9 @@ void MergeImg(const AlgoContext& context, const unsigned char* first, const unsi
     const ImageView image(context.roi, first);
     std::vector<unsigned char> maxima(static_cast<std::size_t>(image.width));
     std::copy_n(first, pixelsOf(context.roi), out);
-    kernels::findColumnMaxima(first, image.width, image.height, maxima.data());
+    std::vector<unsigned char> active(static_cast<std::size_t>(kernels::bandsOf(image.height)) *
+                                      static_cast<std::size_t>(kernels::blocksOf(image.width)));
+    kernels::active().findColumnMaxima(first, image.width, image.height, 0, maxima.data(), active.data());
 
     // The second exposure wins, even where it is the darker one: this is meant.
     for (int r = 0; r < image.height; ++r) {

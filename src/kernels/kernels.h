@@ -1,67 +1,106 @@
-// Passes over plain arrays. Images are row-major bytes with stride = width and are swept row by row, because walking
-// down a column touches a new cache line at every pixel. This room knows no record and no algorithm.
+// Passes over plain arrays, as a table of functions: one table for each instruction set, all with the same results to
+// the last bit. This room knows no record and no algorithm, and it alone knows instruction sets.
+//
+//     lanes/   the passes over lanes of 64 pixels or several numbers, one source for all sets
+//     sets/    that source, compiled once for each set
+//     plain/   the twin of every pass in plain C++: for processors without a set here, for small images, for tests
+//
+// Images are row-major bytes with stride = width and are swept along their rows, because walking down a column touches
+// a new cache line at every pixel.
 
 #ifndef KORVANE_KERNELS_KERNELS_H
 #define KORVANE_KERNELS_KERNELS_H
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
-#include <vector>
 
 namespace KORVANELASERALGO::kernels {
 
-// ---- column runs ----
+/// Rows that sweeps look at together.
+inline constexpr int kBandRows = 8;
+/// Columns that sweeps look at together.
+inline constexpr int kBlockColumns = 64;
 
-/// Vertically consecutive bright pixels of one column.
-struct Run {
-    int firstRow;
-    int length;             ///< rows, at least 1
-    std::size_t firstGrey;  ///< index of the run's first grey value in ColumnRuns::greys
+inline constexpr int bandsOf(int height) {
+    return height / kBandRows + (height % kBandRows != 0 ? 1 : 0);
+}
+inline constexpr int blocksOf(int width) {
+    return width / kBlockColumns + (width % kBlockColumns != 0 ? 1 : 0);
+}
+
+/// Where a column becomes bright or dark: the first pixel of the new kind. Above row 0 everything is dark.
+struct Transition {
+    std::int32_t column;
+    std::int32_t row;
 };
-
-/// The runs of all columns in flat arrays, column by column and from top to bottom within a column.
-class ColumnRuns {
-public:
-    std::span<const Run> ofColumn(int column) const {
-        const std::size_t c = static_cast<std::size_t>(column);
-        return std::span(runs).subspan(firstRun[c], firstRun[c + 1] - firstRun[c]);
-    }
-    std::span<const unsigned char> greysOf(const Run& run) const {
-        return std::span(greys).subspan(run.firstGrey, static_cast<std::size_t>(run.length));
-    }
-
-    std::vector<Run> runs;
-    std::vector<unsigned char> greys;   ///< the bright pixels, in the order of their runs
-    std::vector<std::size_t> firstRun;  ///< per column, and one past the last
-};
-
-/// Finds the maximal runs of pixels that are greater than their column's threshold.
-/// @param thresholds one per column
-ColumnRuns findColumnRuns(const unsigned char* image, int width, int height, const unsigned char* thresholds);
-
-// ---- column statistics ----
-
-/// @param maxima receives the largest pixel of each column, 0 for no rows
-void findColumnMaxima(const unsigned char* image, int width, int height, unsigned char* maxima);
-
-/// @param counts one per column; the number of its pixels greater than `level` is added
-void countAbove(const unsigned char* image, int width, int height, unsigned char level, std::uint32_t* counts);
-
-/// @param sums one per column; the sum of its pixels greater than `level` is added
-void sumAbove(const unsigned char* image, int width, int height, unsigned char level, std::uint64_t* sums);
-
-// ---- stripe starts ----
 
 /// Marks a column in which no stripe starts.
 inline constexpr int kNoStripe = -1;
 
-/// For each column of [firstColumn, endColumn), finds the first row of [firstRow, endRow) at which a stripe starts: a
-/// pixel above the column's threshold, with another one above it among the three pixels to the right and the two above
-/// and below, and not darker than both its vertical neighbours. All those neighbours must lie inside the image.
-/// @param thresholds, starts indexed by column
-void findStripeStarts(const unsigned char* image, int width, int firstColumn, int endColumn, int firstRow, int endRow,
-                      const int* thresholds, int* starts);
+struct KernelSet {
+    const char* name;
+
+    // ---- columns of an image ----
+
+    /// The largest pixel of each column, and where in the image something is.
+    /// @param floor pixels up to it are not told apart
+    /// @param maxima receives one per column, at least `floor`
+    /// @param active receives one byte per band and block, row-major: not 0 where the block has a pixel above `floor`
+    void (*findColumnMaxima)(const unsigned char* image, int width, int height, unsigned char floor,
+                             unsigned char* maxima, unsigned char* active);
+
+    /// Lists the transitions in the rows [firstRow, endRow), which are at most a band. Bands are swept downwards from
+    /// row 0; transitions of one column come in the order of their rows.
+    /// @param thresholds one per column; a brighter pixel is bright
+    /// @param active null, or one byte per block: 0 where it has no bright pixel in this band
+    /// @param state one word per block, 0 before the first band, kept from band to band
+    /// @param transitions has room for one per pixel of the band
+    /// @return their number
+    std::size_t (*findTransitions)(const unsigned char* image, int width, int firstRow, int endRow,
+                                   const unsigned char* thresholds, const unsigned char* active, std::uint64_t* state,
+                                   Transition* transitions);
+
+    /// Adds, for each column, the number and the sum of its pixels above `level`.
+    /// @param height at most 2^24, so that a sum fits
+    void (*sumAbove)(const unsigned char* image, int width, int height, unsigned char level, std::uint32_t* counts,
+                     std::uint32_t* sums);
+
+    /// For each column of [firstColumn, endColumn), finds the first row of [firstRow, endRow) at which a stripe starts:
+    /// a pixel above the column's threshold, with another one above it among the three pixels to the right and the two
+    /// above and below, and not darker than both its vertical neighbours. All those neighbours must lie inside the
+    /// image.
+    /// @param endColumn at most a block after firstColumn
+    /// @param thresholds, starts indexed by column
+    void (*findStripeStarts)(const unsigned char* image, int width, int firstColumn, int endColumn, int firstRow,
+                             int endRow, const int* thresholds, int* starts);
+
+    /// Sets the pixels below `threshold` to 0, and adds, for each column, the other pixels and their moments (row times
+    /// grey value, converted to single precision, row by row).
+    /// @param height at most 2^24, so that every row and every product is exact before it is rounded once
+    void (*cutAndSum)(unsigned char* image, int width, int height, int threshold, std::uint32_t* sums, float* moments);
+};
+
+/// The fastest set that the processor has and the build allows. Always the same one within a process.
+const KernelSet& active();
+
+/// All sets of this build, from the plainest to the widest.
+struct SetOfBuild {
+    const KernelSet* set;
+    bool supported;  ///< by this processor
+};
+struct SetsOfBuild {
+    const SetOfBuild* first;
+    const SetOfBuild* last;  ///< one past it
+
+    const SetOfBuild* begin() const { return first; }
+    const SetOfBuild* end() const { return last; }
+};
+SetsOfBuild setsOfBuild();
+
+#ifdef KORVANE_SWITCHABLE_KERNELS
+/// For tests and the benchmark, between calls: makes another set the active one, here and for all threads.
+void activate(const KernelSet& set);
+#endif
 
 }  // namespace KORVANELASERALGO::kernels
 

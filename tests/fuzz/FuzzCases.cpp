@@ -8,10 +8,16 @@
 
 #include "fuzz/Checks.h"
 #include "fuzz/FuzzInput.h"
+#include "support/KernelSets.h"
 
 int main(int argc, char** argv) {
-    if (argc < 3 || argc > 5 || std::string(argv[1]) != "--cases") {
-        std::fputs("usage: fuzz_cases --cases N [SEED [ROOM]]\n", stderr);
+    if (argc < 3 || argc > 6 || std::string(argv[1]) != "--cases") {
+        std::fputs("usage: fuzz_cases --cases N [SEED [ROOM [KERNELS]]]\n", stderr);
+        return 2;
+    }
+    if (argc > 5 && support::chooseKernels(argv[5]) != support::KernelChoice::kActive) {
+        std::fprintf(stderr, "fuzz_cases: kernels are one of %s, as far as the processor has them\n",
+                     support::kernelSetNames().c_str());
         return 2;
     }
     const std::uint64_t cases = std::strtoull(argv[2], nullptr, 10);

@@ -1,10 +1,8 @@
-// The first row of each column at which a stripe starts.
-
 #include <algorithm>
 
-#include "kernels/kernels.h"
+#include "kernels/plain/plain.h"
 
-namespace KORVANELASERALGO::kernels {
+namespace KORVANELASERALGO::kernels::plain {
 
 void findStripeStarts(const unsigned char* image, int width, int firstColumn, int endColumn, int firstRow, int endRow,
                       const int* thresholds, int* starts) {
@@ -15,11 +13,6 @@ void findStripeStarts(const unsigned char* image, int width, int firstColumn, in
         const unsigned char* row = image + static_cast<std::ptrdiff_t>(r) * width;
         const unsigned char* above = row - width;
         const unsigned char* below = row + width;
-
-        bool anyBright = false;
-        for (int c = firstColumn; c < endColumn; ++c) anyBright |= row[c] > thresholds[c];
-        if (!anyBright) continue;
-
         for (int c = firstColumn; c < endColumn; ++c) {
             const int threshold = thresholds[c];
             if (starts[c] != kNoStripe || row[c] <= threshold) continue;
@@ -33,4 +26,4 @@ void findStripeStarts(const unsigned char* image, int width, int firstColumn, in
     }
 }
 
-}  // namespace KORVANELASERALGO::kernels
+}  // namespace KORVANELASERALGO::kernels::plain

@@ -1,0 +1,156 @@
+// Lanes of 64 pixels: one cache line, in four, two or one registers of the set that is compiled for. Comparisons give
+// one bit per pixel in a 64-bit mask, pixel 0 in the lowest.
+//
+// No include guard against other sets is needed: each set has a namespace and a source file of its own.
+
+#ifndef KORVANE_KERNELS_LANES_BYTES_H
+#define KORVANE_KERNELS_LANES_BYTES_H
+
+#include <immintrin.h>
+
+#include <cstddef>
+#include <cstdint>
+
+#include "kernels/kernels.h"
+
+namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
+
+using Byte = unsigned char;
+using Mask = std::uint64_t;
+
+inline constexpr int kLane = kBlockColumns;  // pixels
+
+#if KORVANE_KERNEL_LEVEL == 3
+using Register = __m512i;
+inline Register loadRegister(const Byte* p) {
+    return _mm512_loadu_si512(p);
+}
+inline void storeRegister(Byte* p, Register v) {
+    _mm512_storeu_si512(p, v);
+}
+inline Register fillRegister(Byte value) {
+    return _mm512_set1_epi8(static_cast<char>(value));
+}
+inline Register maxRegister(Register a, Register b) {
+    return _mm512_max_epu8(a, b);
+}
+inline Register minRegister(Register a, Register b) {
+    return _mm512_min_epu8(a, b);
+}
+inline Register subtractRegister(Register a, Register b) {
+    return _mm512_subs_epu8(a, b);
+}
+inline Mask atLeastRegister(Register a, Register b) {
+    return _mm512_cmpge_epu8_mask(a, b);
+}
+#elif KORVANE_KERNEL_LEVEL == 2
+using Register = __m256i;
+inline Register loadRegister(const Byte* p) {
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(p));
+}
+inline void storeRegister(Byte* p, Register v) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v);
+}
+inline Register fillRegister(Byte value) {
+    return _mm256_set1_epi8(static_cast<char>(value));
+}
+inline Register maxRegister(Register a, Register b) {
+    return _mm256_max_epu8(a, b);
+}
+inline Register minRegister(Register a, Register b) {
+    return _mm256_min_epu8(a, b);
+}
+inline Register subtractRegister(Register a, Register b) {
+    return _mm256_subs_epu8(a, b);
+}
+inline Mask atLeastRegister(Register a, Register b) {
+    return static_cast<std::uint32_t>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(_mm256_max_epu8(a, b), a)));
+}
+#else
+using Register = __m128i;
+inline Register loadRegister(const Byte* p) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(p));
+}
+inline void storeRegister(Byte* p, Register v) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v);
+}
+inline Register fillRegister(Byte value) {
+    return _mm_set1_epi8(static_cast<char>(value));
+}
+inline Register maxRegister(Register a, Register b) {
+    return _mm_max_epu8(a, b);
+}
+inline Register minRegister(Register a, Register b) {
+    return _mm_min_epu8(a, b);
+}
+inline Register subtractRegister(Register a, Register b) {
+    return _mm_subs_epu8(a, b);
+}
+inline Mask atLeastRegister(Register a, Register b) {
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_max_epu8(a, b), a)));
+}
+#endif
+
+inline constexpr int kRegisters = kLane / static_cast<int>(sizeof(Register));
+
+struct Bytes {
+    Register part[kRegisters];
+
+    template <class Operation>
+    static Bytes make(Operation operation) {
+        Bytes result;
+        for (int i = 0; i < kRegisters; ++i) result.part[i] = operation(i);
+        return result;
+    }
+
+    static Bytes load(const Byte* p) {
+        return make([p](int i) { return loadRegister(p + i * static_cast<int>(sizeof(Register))); });
+    }
+    static Bytes fill(Byte value) {
+        return make([value](int) { return fillRegister(value); });
+    }
+    void store(Byte* p) const {
+        for (int i = 0; i < kRegisters; ++i) storeRegister(p + i * static_cast<int>(sizeof(Register)), part[i]);
+    }
+};
+
+inline Bytes max(const Bytes& a, const Bytes& b) {
+    return Bytes::make([&](int i) { return maxRegister(a.part[i], b.part[i]); });
+}
+inline Bytes min(const Bytes& a, const Bytes& b) {
+    return Bytes::make([&](int i) { return minRegister(a.part[i], b.part[i]); });
+}
+/// a - b, at least 0.
+inline Bytes subtract(const Bytes& a, const Bytes& b) {
+    return Bytes::make([&](int i) { return subtractRegister(a.part[i], b.part[i]); });
+}
+
+inline Mask atLeast(const Bytes& a, const Bytes& b) {
+    Mask mask = 0;
+    for (int i = 0; i < kRegisters; ++i)
+        mask |= atLeastRegister(a.part[i], b.part[i]) << (i * static_cast<int>(sizeof(Register)) % 64);
+    return mask;
+}
+inline Mask above(const Bytes& a, const Bytes& b) {
+    return ~atLeast(b, a);
+}
+
+/// Is any pixel of a greater than b's?
+inline bool anyAbove(const Bytes& a, const Bytes& b) {
+    return above(a, b) != 0;
+}
+
+/// Index of the lowest set bit; the mask is not empty.
+inline int lowestBit(Mask mask) {
+#if defined(_MSC_VER) && !defined(__clang__)
+    unsigned long index;
+    _BitScanForward64(&index, mask);
+    return static_cast<int>(index);
+#else
+    return __builtin_ctzll(mask);
+#endif
+}
+
+}  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET
+
+#endif  // KORVANE_KERNELS_LANES_BYTES_H

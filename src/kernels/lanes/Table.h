@@ -1,0 +1,23 @@
+// The table of the set that is compiled for. No template of the standard library may be used in this room's lanes/: the
+// linker keeps one copy of such a template for the whole program, and it could be the one that only some processors
+// run.
+
+#ifndef KORVANE_KERNELS_LANES_TABLE_H
+#define KORVANE_KERNELS_LANES_TABLE_H
+
+#include "kernels/lanes/ColumnMaxima.h"
+#include "kernels/lanes/CutAndSum.h"
+#include "kernels/lanes/StripeStarts.h"
+#include "kernels/lanes/SumAbove.h"
+#include "kernels/lanes/Transitions.h"
+
+namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
+
+extern const KernelSet kTable;
+const KernelSet kTable = {
+    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove, findStripeStarts, cutAndSum,
+};
+
+}  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET
+
+#endif  // KORVANE_KERNELS_LANES_TABLE_H

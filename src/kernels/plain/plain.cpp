@@ -1,0 +1,9 @@
+#include "kernels/plain/plain.h"
+
+namespace KORVANELASERALGO::kernels::plain {
+
+const KernelSet kTable = {
+    "plain", findColumnMaxima, findTransitions, sumAbove, findStripeStarts, cutAndSum,
+};
+
+}  // namespace KORVANELASERALGO::kernels::plain

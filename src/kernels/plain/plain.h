@@ -1,0 +1,25 @@
+// The plain twins, for the table and for what lanes leave to them: images narrower than a lane.
+
+#ifndef KORVANE_KERNELS_PLAIN_PLAIN_H
+#define KORVANE_KERNELS_PLAIN_PLAIN_H
+
+#include "kernels/kernels.h"
+
+namespace KORVANELASERALGO::kernels::plain {
+
+void findColumnMaxima(const unsigned char* image, int width, int height, unsigned char floor, unsigned char* maxima,
+                      unsigned char* active);
+std::size_t findTransitions(const unsigned char* image, int width, int firstRow, int endRow,
+                            const unsigned char* thresholds, const unsigned char* active, std::uint64_t* state,
+                            Transition* transitions);
+void sumAbove(const unsigned char* image, int width, int height, unsigned char level, std::uint32_t* counts,
+              std::uint32_t* sums);
+void findStripeStarts(const unsigned char* image, int width, int firstColumn, int endColumn, int firstRow, int endRow,
+                      const int* thresholds, int* starts);
+void cutAndSum(unsigned char* image, int width, int height, int threshold, std::uint32_t* sums, float* moments);
+
+extern const KernelSet kTable;
+
+}  // namespace KORVANELASERALGO::kernels::plain
+
+#endif  // KORVANE_KERNELS_PLAIN_PLAIN_H
