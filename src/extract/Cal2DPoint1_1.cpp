@@ -24,37 +24,32 @@ std::uint64_t asUnsigned(int value) {
     return static_cast<std::uint64_t>(std::int64_t{value});
 }
 
-bool passesUnsignedBounds(const LineSelect& bounds, const Candidate& candidate) {
-    return bounds.GrayMin <= candidate.grey && candidate.grey <= bounds.GrayMax &&
-           asUnsigned(bounds.WidthMin) <= asUnsigned(candidate.width) &&
-           asUnsigned(candidate.width) <= asUnsigned(bounds.WidthMax);
+bool passesUnsignedWidthBounds(const LineSelect& bounds, int width) {
+    return asUnsigned(bounds.WidthMin) <= asUnsigned(width) && asUnsigned(width) <= asUnsigned(bounds.WidthMax);
 }
 
 ColumnLists<Candidate> gatherCandidates(const ImageView& image, const kernels::ColumnRuns& runs,
                                         const LineSelect& bounds) {
     ColumnLists<Candidate> candidates(image.width);
-    RunHumps humps;
+    RunHumps humps(image, runs, kBright);
     for (int c = 0; c < image.width; ++c) {
         const auto column = runs.ofColumn(c);
         if (column.size() == 1) {
             const BrightRun run(image, c, column.front());
             if (asUnsigned(run.length) < asUnsigned(bounds.WidthMax)) {
-                const Candidate whole = wholeRunCandidate(run);
-                if (passesBounds(bounds, whole.grey, whole.width)) candidates.add(whole);
+                if (passesWidthBounds(bounds, run.length)) addWholeRun(run, bounds, candidates);
             } else {
                 // A long single run without a hump gives no candidate: this is meant.
-                humps.find(run);
+                humps.find(run, c);
                 humps.addCandidates(run, bounds, candidates);
             }
         } else {
             for (const kernels::Run& extent : column) {
                 if (extent.length < kShortestRun) continue;
                 const BrightRun run(image, c, extent);
-                humps.find(run);
+                humps.find(run, c);
                 humps.addCandidates(run, bounds, candidates);
-                if (!humps.none()) continue;
-                const Candidate whole = wholeRunCandidate(run);
-                if (passesUnsignedBounds(bounds, whole)) candidates.add(whole);
+                if (humps.none() && passesUnsignedWidthBounds(bounds, run.length)) addWholeRun(run, bounds, candidates);
             }
         }
         candidates.closeColumn();
@@ -129,6 +124,7 @@ void Cal2DPoint1_1(const AlgoContext& context, bool* mask, const unsigned char* 
     // Candidates.
     const std::vector<unsigned char> thresholds(points.size(), kBright);
     const auto runs = kernels::findColumnRuns(view.bytes, view.width, view.height, thresholds.data());
+    if (runs.none()) return moveToSensor(context.roi, points);
     const auto candidates = gatherCandidates(view, runs, lineSelect);
 
     // Left to right.

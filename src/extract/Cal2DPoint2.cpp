@@ -47,16 +47,14 @@ double singleRunCentre(const BrightRun& run) {
 
 // Peaks of a run, in buffers that are reused from run to run.
 struct PeakBuffers {
-    std::vector<int> profile;
     std::vector<int> positions;
     std::vector<int> values;
 };
 
 void addPeakCentres(const BrightRun& run, PeakBuffers& peaks, ColumnLists<double>& centres) {
-    copyGreys(run, peaks.profile);
     peaks.positions.clear();
     peaks.values.clear();
-    FindPeaks(peaks.profile, peaks.positions, peaks.values);
+    FindPeaks(run, peaks.positions, peaks.values);
 
     for (std::size_t k = 0; k < peaks.positions.size(); ++k) {
         int plateauEnd = peaks.positions[k];
@@ -102,6 +100,7 @@ void Cal2DPoint2(const AlgoContext& context, bool* mask, const unsigned char* im
     const Brightness brightness(view);
     const auto runs = kernels::findColumnRuns(view.bytes, view.width, view.height, brightness.thresholds.data(),
                                               brightness.active.data());
+    if (runs.none()) return moveToSensor(context.roi, points);
     const auto centres = gatherCentres(view, runs);
 
     // Writes the candidate near a tracked row, which becomes its row.

@@ -42,10 +42,9 @@ constexpr double kPruningTolerance = 10.0;  // rows; farther candidates are drop
 ColumnLists<Candidate> gatherCandidates(const ImageView& image, const kernels::ColumnRuns& runs,
                                         const LineSelect& bounds) {
     ColumnLists<Candidate> candidates(image.width);
-    RunHumps humps;
-    const auto addWholeRun = [&](const BrightRun& run) {
-        const Candidate whole = wholeRunCandidate(run);
-        if (passesBounds(bounds, whole.grey, whole.width)) candidates.add(whole);
+    RunHumps humps(image, runs, kBright);
+    const auto addWhole = [&](const BrightRun& run) {
+        if (passesWidthBounds(bounds, run.length)) addWholeRun(run, bounds, candidates);
     };
 
     for (int c = 0; c < image.width; ++c) {
@@ -53,19 +52,19 @@ ColumnLists<Candidate> gatherCandidates(const ImageView& image, const kernels::C
         if (column.size() == 1) {
             const BrightRun run(image, c, column.front());
             if (run.length < kLongSingleRun) {
-                addWholeRun(run);
+                addWhole(run);
             } else {
                 // A long single run without a hump gives no candidate, unlike one among several: this is meant.
-                humps.find(run);
+                humps.find(run, c);
                 humps.addCandidates(run, bounds, candidates);
             }
         } else {
             for (const kernels::Run& extent : column) {
                 if (extent.length < kShortestRun) continue;
                 const BrightRun run(image, c, extent);
-                humps.find(run);
+                humps.find(run, c);
                 humps.addCandidates(run, bounds, candidates);
-                if (humps.none()) addWholeRun(run);
+                if (humps.none()) addWhole(run);
             }
         }
         candidates.closeColumn();
@@ -253,6 +252,7 @@ void Cal2DPoint2_1(const AlgoContext& context, bool* mask, const unsigned char* 
     // Candidates, segments, pruning.
     const std::vector<unsigned char> thresholds(points.size(), kBright);
     const auto runs = kernels::findColumnRuns(view.bytes, view.width, view.height, thresholds.data());
+    if (runs.none()) return moveToSensor(context.roi, points);
     const auto gathered = gatherCandidates(view, runs, context.lineSelect);
     const auto segments = findSegments(context, gathered, view.width);
     const auto filtered = keepOnSegments(gathered, segments, view.width);

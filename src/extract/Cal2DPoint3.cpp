@@ -12,22 +12,26 @@ namespace {
 
 constexpr int kBright = 60;  // grey levels; pixels above it count for a column's mean, which is at least this
 
+// The mean of each column's bright pixels, at least kBright and at most the cap.
+std::vector<int> columnThresholds(const ImageView& image, int cap) {
+    std::vector<int> thresholds(static_cast<std::size_t>(image.width), kBright);
+    // The first and last row count no more than they are searched.
+    if (image.height < 3) return thresholds;
+    std::vector<kernels::ColumnSum> bright(thresholds.size(), {0, 0});
+    kernels::active().sumAbove(image.row(1), image.width, image.height - 2, kBright, bright.data());
+
+    for (std::size_t c = 0; c < thresholds.size(); ++c) {
+        // The cap does not reach a column without a bright pixel. This is meant.
+        if (bright[c].count == 0) continue;
+        const int mean = static_cast<int>(bright[c].sum / bright[c].count);
+        thresholds[c] = std::min(cap, std::max(mean, kBright));
+    }
+    return thresholds;
+}
+
 class AdaptiveThreshold {
 public:
-    AdaptiveThreshold(const ImageView& image, int cap) : perColumn_(static_cast<std::size_t>(image.width), kBright) {
-        // The first and last row count no more than they are searched.
-        if (image.height < 3) return;
-        std::vector<std::uint32_t> counts(perColumn_.size(), 0);
-        std::vector<std::uint32_t> sums(perColumn_.size(), 0);
-        kernels::active().sumAbove(image.row(1), image.width, image.height - 2, kBright, counts.data(), sums.data());
-
-        for (std::size_t c = 0; c < perColumn_.size(); ++c) {
-            // The cap does not reach a column without a bright pixel. This is meant.
-            if (counts[c] == 0) continue;
-            const int mean = static_cast<int>(sums[c] / counts[c]);
-            perColumn_[c] = std::min(cap, std::max(mean, kBright));
-        }
-    }
+    AdaptiveThreshold(const ImageView& image, int cap) : perColumn_(columnThresholds(image, cap)) {}
 
     const int* searchThresholds() const { return perColumn_.data(); }
 

@@ -1,29 +1,35 @@
-// The grey-weighted mean row of a run of pixels in one column, counted from the run's first row.
+// The grey-weighted mean row of pixels of one column, counted from a row of reference.
 
 #ifndef KORVANE_EXTRACT_COLUMNCENTROID_H
 #define KORVANE_EXTRACT_COLUMNCENTROID_H
-
-#include <cstdint>
 
 #include "KorvaneLaserAlgo.h"
 
 namespace KORVANELASERALGO::extract {
 
-/// Sets `point` to (column, firstRow + sum of i * values[i] / sum of values[i]); leaves it alone where all of the
-/// `count` values are zero.
-inline void ColumnCentroid(int column, int firstRow, int count, const std::uint32_t* values,
-                           tagKorvaneLaserPoint2d& point) {
-    std::uint32_t sum = 0;
-    double moment = 0.0;
-    for (int i = 0; i < count; ++i) {
-        sum += values[i];
-        moment += static_cast<std::int32_t>(static_cast<std::uint32_t>(i) * values[i]);
-    }
-    if (sum == 0) return;
+/// Takes pixels in any order. Sum and moment are integers, which fit for any window of 4,000 rows.
+class ColumnCentroid {
+public:
+    /// @param firstRow the row from which the moment is counted, which decides the last bits of the result
+    explicit ColumnCentroid(int firstRow) : firstRow_(firstRow) {}
 
-    point.x = column;
-    point.y = firstRow + moment / static_cast<std::int32_t>(sum);
-}
+    void add(int row, int grey) {
+        sum_ += grey;
+        moment_ += (row - firstRow_) * grey;
+    }
+
+    /// Sets `point` to (column, firstRow + moment / sum); leaves it alone where all pixels are zero.
+    void writeTo(tagKorvaneLaserPoint2d& point, int column) const {
+        if (sum_ == 0) return;
+        point.x = column;
+        point.y = firstRow_ + static_cast<double>(moment_) / sum_;
+    }
+
+private:
+    int firstRow_;
+    int sum_ = 0;
+    int moment_ = 0;
+};
 
 }  // namespace KORVANELASERALGO::extract
 

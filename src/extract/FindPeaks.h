@@ -1,24 +1,93 @@
-// The humps of a grey-value profile: local maxima that stand out enough.
+// The humps of a grey-value profile: local maxima that stand out enough, measured in two ways that differ on purpose.
+//
+// A profile is anything with size() and profile[i], the grey value at position i from top to bottom; it holds at least
+// one.
 
 #ifndef KORVANE_EXTRACT_FINDPEAKS_H
 #define KORVANE_EXTRACT_FINDPEAKS_H
 
-#include <span>
+#include <algorithm>
+#include <cassert>
+#include <cstddef>
 #include <vector>
 
 namespace KORVANELASERALGO::extract {
 
+inline constexpr int kLeastDrop = 5;          // grey levels, toward the surroundings
+inline constexpr int kLeastDropToAFoot = 50;  // grey levels, on at least one side
+
+/// Strict on the left, not on the right, so that a flat top counts once, at its first sample.
+template <class Profile>
+bool isPeak(const Profile& profile, std::size_t i) {
+    return profile[i] > profile[i - 1] && profile[i] >= profile[i + 1];
+}
+
+/// How far the profile falls from a peak before it rises again.
+template <class Profile>
+int dropAround(const Profile& profile, std::size_t peak) {
+    int lowest = profile[peak];
+    for (std::size_t j = peak; j > 0 && profile[j - 1] < lowest; --j) lowest = profile[j - 1];
+    // The right walk goes on from the lowest value of the left walk, not from the peak. This is meant.
+    for (std::size_t j = peak + 1; j < profile.size() && profile[j] < lowest; ++j) lowest = profile[j];
+    return profile[peak] - lowest;
+}
+
+/// Where the descent to the left ends. A flat stretch ends it.
+template <class Profile>
+std::size_t leftFootOf(const Profile& profile, std::size_t peak) {
+    std::size_t foot = peak;
+    while (foot > 0 && profile[foot - 1] < profile[foot]) --foot;
+    return foot;
+}
+
+/// Where the descent to the right ends. It goes on through flat stretches, unlike the one to the left: this is meant.
+/// A peak is never lower than its right neighbour, so the walk always takes a step.
+template <class Profile>
+std::size_t rightFootOf(const Profile& profile, std::size_t peak) {
+    std::size_t foot = peak;
+    while (foot + 1 < profile.size() && profile[foot + 1] <= profile[foot]) ++foot;
+    return foot;
+}
+
 /// Finds the local maxima that fall by 5 grey levels or more toward their surroundings.
-/// @param profile grey values from top to bottom, at least one
 /// @param positions, values empty on entry; receive index and grey value of each kept peak, in profile order
-void FindPeaks(std::span<const int> profile, std::vector<int>& positions, std::vector<int>& values);
+template <class Profile>
+void FindPeaks(const Profile& profile, std::vector<int>& positions, std::vector<int>& values) {
+    assert(profile.size() > 0);
+    for (std::size_t i = 1; i + 1 < profile.size(); ++i) {
+        if (!isPeak(profile, i) || dropAround(profile, i) < kLeastDrop) continue;
+        positions.push_back(static_cast<int>(i));
+        values.push_back(profile[i]);
+    }
+}
+
+/// The part [first, end) of FindPeaksWithFeet below; the feet may lie outside of it.
+template <class Profile>
+void FindPeaksWithFeetWithin(const Profile& profile, std::size_t first, std::size_t end, std::vector<int>& positions,
+                             std::vector<int>& values, std::vector<int>& leftFeet, std::vector<int>& rightFeet) {
+    assert(profile.size() > 0);
+    for (std::size_t i = std::max<std::size_t>(first, 1); i < end && i + 1 < profile.size(); ++i) {
+        if (!isPeak(profile, i)) continue;
+        const std::size_t leftFoot = leftFootOf(profile, i);
+        const std::size_t rightFoot = rightFootOf(profile, i);
+        const bool fallsLeft = profile[i] - profile[leftFoot] >= kLeastDropToAFoot;
+        const bool fallsRight = profile[i] - profile[rightFoot] >= kLeastDropToAFoot;
+        if (!fallsLeft && !fallsRight) continue;
+        positions.push_back(static_cast<int>(i));
+        values.push_back(profile[i]);
+        leftFeet.push_back(static_cast<int>(leftFoot));
+        rightFeet.push_back(static_cast<int>(rightFoot));
+    }
+}
 
 /// Finds the local maxima that fall by 50 grey levels or more on at least one side, and where their descents end.
-/// @param profile grey values from top to bottom, at least one
 /// @param positions, values, leftFeet, rightFeet empty on entry; receive index, grey value and the indices of both
 /// feet of each kept peak, in profile order
-void FindPeaksWithFeet(std::span<const int> profile, std::vector<int>& positions, std::vector<int>& values,
-                       std::vector<int>& leftFeet, std::vector<int>& rightFeet);
+template <class Profile>
+void FindPeaksWithFeet(const Profile& profile, std::vector<int>& positions, std::vector<int>& values,
+                       std::vector<int>& leftFeet, std::vector<int>& rightFeet) {
+    FindPeaksWithFeetWithin(profile, 0, profile.size(), positions, values, leftFeet, rightFeet);
+}
 
 }  // namespace KORVANELASERALGO::extract
 

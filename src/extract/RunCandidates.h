@@ -24,6 +24,10 @@ public:
     /// The grey value at a position, counted from the run's first row.
     int grey(int i) const { return top_[i * stride_]; }
 
+    /// As a profile from top to bottom.
+    std::size_t size() const { return static_cast<std::size_t>(length); }
+    int operator[](std::size_t i) const { return grey(static_cast<int>(i)); }
+
     const int firstRow;
     const int length;  ///< rows
 
@@ -45,29 +49,40 @@ inline double runCentroid(const BrightRun& run, int first, int last) {
     return static_cast<double>(moment) / static_cast<double>(sum);
 }
 
-/// The run as one candidate: its centroid, the grey value of the pixel there, its length.
-inline Candidate wholeRunCandidate(const BrightRun& run) {
+/// Adds the run as one candidate, whose width passes: its centroid, the grey value of the pixel there, its length.
+inline void addWholeRun(const BrightRun& run, const tagKorvaneLaserAlgoLineSelectInfo& bounds,
+                        ColumnLists<Candidate>& candidates) {
     const double centre = runCentroid(run, 0, run.length - 1);
-    return {centre, run.grey(static_cast<int>(centre) - run.firstRow), run.length};
-}
-
-/// Copies a run's grey values.
-inline void copyGreys(const BrightRun& run, std::vector<int>& greys) {
-    greys.resize(static_cast<std::size_t>(run.length));
-    for (int i = 0; i < run.length; ++i) greys[static_cast<std::size_t>(i)] = run.grey(i);
+    const int grey = run.grey(static_cast<int>(centre) - run.firstRow);
+    if (passesGreyBounds(bounds, grey)) candidates.add({centre, grey, run.length});
 }
 
 /// The humps of one run after the other, in buffers that are reused.
 class RunHumps {
 public:
-    /// Finds the humps of a run.
-    void find(const BrightRun& run) {
-        copyGreys(run, profile_);
+    /// @param runs all runs of the image, which are brighter than `level`
+    RunHumps(const ImageView& image, const kernels::ColumnRuns& runs, unsigned char level) {
+        // A hump falls by kLeastDropToAFoot within its run, so it is brighter than this. Where runs are long, as in
+        // ambient light, only such spots are looked at.
+        const auto isLong = [](const kernels::Run& run) { return run.length > kLongRun; };
+        if (std::none_of(runs.runs.begin(), runs.runs.end(), isLong)) return;
+        const std::vector<unsigned char> thresholds(static_cast<std::size_t>(image.width),
+                                                    static_cast<unsigned char>(level + kLeastDropToAFoot));
+        spots_ = kernels::findColumnRuns(image.bytes, image.width, image.height, thresholds.data());
+    }
+
+    /// Finds the humps of a run of a column.
+    void find(const BrightRun& run, int column) {
         positions_.clear();
         values_.clear();
         leftFeet_.clear();
         rightFeet_.clear();
-        FindPeaksWithFeet(profile_, positions_, values_, leftFeet_, rightFeet_);
+        if (run.length <= kLongRun) return findWithin(run, 0, run.length);
+        for (const kernels::Run& spot : spots_.ofColumn(column)) {
+            const int first = std::max(spot.firstRow - run.firstRow, 0);
+            const int end = std::min(spot.firstRow + spot.length - run.firstRow, run.length);
+            if (first < end) findWithin(run, first, end);
+        }
     }
 
     bool none() const { return positions_.empty(); }
@@ -78,13 +93,20 @@ public:
                        ColumnLists<Candidate>& candidates) const {
         for (std::size_t k = 0; k < positions_.size(); ++k) {
             const int width = rightFeet_[k] - leftFeet_[k];
-            if (!passesBounds(bounds, values_[k], width)) continue;
+            if (!passesGreyBounds(bounds, values_[k]) || !passesWidthBounds(bounds, width)) continue;
             candidates.add({runCentroid(run, leftFeet_[k], rightFeet_[k]), values_[k], width});
         }
     }
 
 private:
-    std::vector<int> profile_;
+    static constexpr int kLongRun = 64;  // rows
+
+    void findWithin(const BrightRun& run, int first, int end) {
+        FindPeaksWithFeetWithin(run, static_cast<std::size_t>(first), static_cast<std::size_t>(end), positions_,
+                                values_, leftFeet_, rightFeet_);
+    }
+
+    kernels::ColumnRuns spots_;  // bright enough for humps, where a run is long
     std::vector<int> positions_;
     std::vector<int> values_;
     std::vector<int> leftFeet_;

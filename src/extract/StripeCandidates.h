@@ -78,8 +78,11 @@ inline bool isFarFrom(double row, double neighbour) {
 }
 
 /// The bounds of the line selection, all inclusive.
-inline bool passesBounds(const tagKorvaneLaserAlgoLineSelectInfo& bounds, int grey, int width) {
-    return bounds.GrayMin <= grey && grey <= bounds.GrayMax && bounds.WidthMin <= width && width <= bounds.WidthMax;
+inline bool passesGreyBounds(const tagKorvaneLaserAlgoLineSelectInfo& bounds, int grey) {
+    return bounds.GrayMin <= grey && grey <= bounds.GrayMax;
+}
+inline bool passesWidthBounds(const tagKorvaneLaserAlgoLineSelectInfo& bounds, int width) {
+    return bounds.WidthMin <= width && width <= bounds.WidthMax;
 }
 
 }  // namespace KORVANELASERALGO::extract

@@ -12,8 +12,7 @@
 #define KORVANE_EXTRACT_STRIPETRACKER_H
 
 #include <algorithm>
-#include <array>
-#include <cstdint>
+#include <cstddef>
 #include <vector>
 
 #include "algo/AlgoContext.h"
@@ -63,30 +62,36 @@ public:
     }
 
 private:
-    static constexpr int kSearchedColumns =
-        kernels::kBlockColumns;                 // columns that are searched together, for they share cache lines
+    static constexpr int kManyColumns = 32;
     static constexpr double kContinuity = 0.9;  // share of the left neighbour's grey value that must remain
 
     // Searches the column from above; on success sets `point`, unless all of the filled pixels are zero.
     bool search(int column, tagKorvaneLaserPoint2d& point) {
         if (column >= searchedEnd_) searchColumnsFrom(column);
         const int firstRow = starts_[static_cast<std::size_t>(column)];
-        if (firstRow == kernels::kNoStripe) return false;
+        if (firstRow == kernels::kNoStripe) {
+            ++lostColumns_;
+            return false;
+        }
+        lostColumns_ = 0;
 
         const int endRow = std::min(firstRow + 2 * window_.half, image_.height - 1);
-        const int count = endRow - firstRow + 1;
         const int threshold = thresholds_.searchThresholds()[column];
-        std::fill_n(greys_.begin(), count, 0u);
-        for (int r = firstRow; r <= endRow && image_.row(r)[column] >= threshold; ++r) {
-            const int i = r - firstRow;
-            greys_[static_cast<std::size_t>(i)] = image_.row(r)[column];
-        }
-        ColumnCentroid(column, firstRow, count, greys_.data(), point);
+        ColumnCentroid centroid(firstRow);
+        const unsigned char* pixel = image_.row(firstRow) + column;
+        for (int r = firstRow; r <= endRow && *pixel >= threshold; ++r, pixel += image_.width) centroid.add(r, *pixel);
+        centroid.writeTo(point, column);
         return true;
     }
 
+    // Columns of a block share cache lines, so they are searched together. Where many in a row held no stripe, the
+    // next ones are likely to hold none either: all that are left are searched in one sweep.
     void searchColumnsFrom(int column) {
-        searchedEnd_ = std::min(column + kSearchedColumns, image_.width - 1);
+        const int inner = image_.width - 1;
+        searchedEnd_ = lostColumns_ < kManyColumns
+                           ? std::min((column / kernels::kBlockColumns + 1) * kernels::kBlockColumns, inner)
+                           : inner;
+
         const int endRow = std::min(image_.height - window_.half - 1, image_.height - 1);
         kernels::active().findStripeStarts(image_.bytes, image_.width, column, searchedEnd_, 2, endRow,
                                            thresholds_.searchThresholds(), starts_.data());
@@ -94,39 +99,36 @@ private:
 
     // Looks for the stripe around the predicted row; on success sets `point`.
     bool follow(int column, int row, tagKorvaneLaserPoint2d& point) {
-        const int centre = image_.row(row)[column];
-        const int peak = std::max({centre, pixel(row - 1, column), pixel(row + 1, column)});
+        const std::ptrdiff_t stride = image_.width;
+        const unsigned char* middle = image_.row(row) + column;
+        const int centre = *middle;
+        const int peak = std::max({centre, int{middle[-stride]}, int{middle[stride]}});
         const bool bright = peak >= thresholds_.searchThresholds()[column];
-        if (!bright || !(centre > kContinuity * image_.row(row)[column - 1])) return false;
+        if (!bright || !(centre > kContinuity * middle[-1])) return false;
 
         // The window is symmetric although it may reach twice as far down as up before it is cut: this is meant.
         const int low = std::max(row - window_.track, 0);
         const int high = std::min(row + 2 * window_.track, image_.height - 1);
         const int reach = std::min(row - low, high - row);
-        const int count = 2 * reach + 1;
         const int threshold = thresholds_.fillThreshold(column, peak);
 
         // The middle row counts whatever its grey value.
-        std::fill_n(greys_.begin(), count, 0u);
-        const auto entry = [&](int r) -> std::uint32_t& {
-            const int i = r - row + reach;
-            return greys_[static_cast<std::size_t>(i)];
-        };
-        entry(row) = static_cast<std::uint32_t>(centre);
-        for (int r = row + 1; r <= row + reach && pixel(r, column) >= threshold; ++r) entry(r) = image_.row(r)[column];
-        for (int r = row - 1; r >= row - reach && pixel(r, column) >= threshold; --r) entry(r) = image_.row(r)[column];
-        ColumnCentroid(column, row - reach, count, greys_.data(), point);
+        ColumnCentroid centroid(row - reach);
+        centroid.add(row, centre);
+        const unsigned char* pixel = middle + stride;
+        for (int r = row + 1; r <= row + reach && *pixel >= threshold; ++r, pixel += stride) centroid.add(r, *pixel);
+        pixel = middle - stride;
+        for (int r = row - 1; r >= row - reach && *pixel >= threshold; --r, pixel -= stride) centroid.add(r, *pixel);
+        centroid.writeTo(point, column);
         return true;
     }
-
-    int pixel(int row, int column) const { return image_.row(row)[column]; }
 
     const ImageView& image_;
     const Thresholds& thresholds_;
     TrackingWindow window_;
-    std::vector<int> starts_;                   // per column, valid below searchedEnd_
-    int searchedEnd_ = 0;                       // columns from here on are not searched yet
-    std::array<std::uint32_t, 41> greys_ = {};  // the longest fill: 2 * 20 + 1 rows
+    std::vector<int> starts_;  // per column, valid below searchedEnd_
+    int searchedEnd_ = 0;
+    int lostColumns_ = 0;  // searched without a stripe since the last one with it
 };
 
 /// Finds and follows the stripe, and moves all points to the full sensor's pixels.

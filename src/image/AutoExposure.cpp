@@ -49,15 +49,14 @@ struct BrightWidth {
 };
 
 BrightWidth measureBrightWidth(const ImageView& image) {
-    std::vector<std::uint32_t> counts(static_cast<std::size_t>(image.width), 0);
-    std::vector<std::uint32_t> sums(counts.size(), 0);
-    kernels::active().sumAbove(image.bytes, image.width, image.height, kBright, counts.data(), sums.data());
+    std::vector<kernels::ColumnSum> bright(static_cast<std::size_t>(image.width), {0, 0});
+    kernels::active().sumAbove(image.bytes, image.width, image.height, kBright, bright.data());
 
     std::int64_t pixels = 0;
     std::int64_t columns = 0;
-    for (const std::uint32_t count : counts) {
-        pixels += count;
-        columns += count > 0 ? 1 : 0;
+    for (const kernels::ColumnSum& column : bright) {
+        pixels += column.count;
+        columns += column.count > 0 ? 1 : 0;
     }
     return {columns, columns == 0 ? 0.0 : static_cast<double>(pixels) / static_cast<double>(columns)};
 }

@@ -1,6 +1,7 @@
 #include "kernels/ColumnRuns.h"
 
 #include <algorithm>
+#include <memory>
 #include <utility>
 
 namespace KORVANELASERALGO::kernels {
@@ -12,14 +13,14 @@ std::vector<Transition> listTransitions(const unsigned char* image, int width, i
                                         const unsigned char* thresholds, const unsigned char* active) {
     const std::size_t columns = static_cast<std::size_t>(width);
     std::vector<Transition> transitions;
-    std::vector<Transition> ofBand(columns * kBandRows);
+    const auto ofBand = std::make_unique_for_overwrite<Transition[]>(columns * kBandRows);
     std::vector<std::uint64_t> state(static_cast<std::size_t>(blocksOf(width)), 0);
 
     for (int r = 0; r < height; r += kBandRows) {
         const int endRow = std::min(r + kBandRows, height);
         const std::size_t count =
-            kernels::active().findTransitions(image, width, r, endRow, thresholds, active, state.data(), ofBand.data());
-        transitions.insert(transitions.end(), ofBand.data(), ofBand.data() + count);
+            kernels::active().findTransitions(image, width, r, endRow, thresholds, active, state.data(), ofBand.get());
+        transitions.insert(transitions.end(), ofBand.get(), ofBand.get() + count);
         if (active != nullptr) active += blocksOf(width);
     }
     for (int c = 0; c < width && height > 0; ++c) {

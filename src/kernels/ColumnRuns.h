@@ -21,6 +21,7 @@ struct ColumnRuns {
     std::vector<Run> runs;
     std::vector<std::size_t> firstRun;  ///< per column, and one past the last
 
+    bool none() const { return runs.empty(); }
     std::span<const Run> ofColumn(int column) const {
         const std::size_t c = static_cast<std::size_t>(column);
         return std::span(runs).subspan(firstRun[c], firstRun[c + 1] - firstRun[c]);

@@ -34,6 +34,12 @@ struct Transition {
     std::int32_t row;
 };
 
+/// Some pixels of a column.
+struct ColumnSum {
+    std::uint32_t count;
+    std::uint32_t sum;  ///< grey levels
+};
+
 /// Marks a column in which no stripe starts.
 inline constexpr int kNoStripe = -1;
 
@@ -45,7 +51,8 @@ struct KernelSet {
     /// The largest pixel of each column, and where in the image something is.
     /// @param floor pixels up to it are not told apart
     /// @param maxima receives one per column, at least `floor`
-    /// @param active receives one byte per band and block, row-major: not 0 where the block has a pixel above `floor`
+    /// @param active receives one byte per band and block, row-major: 0 only where the block has no pixel above
+    /// `floor`
     void (*findColumnMaxima)(const unsigned char* image, int width, int height, unsigned char floor,
                              unsigned char* maxima, unsigned char* active);
 
@@ -60,16 +67,14 @@ struct KernelSet {
                                    const unsigned char* thresholds, const unsigned char* active, std::uint64_t* state,
                                    Transition* transitions);
 
-    /// Adds, for each column, the number and the sum of its pixels above `level`.
+    /// Adds, for each column, its pixels above `level`.
     /// @param height at most 2^24, so that a sum fits
-    void (*sumAbove)(const unsigned char* image, int width, int height, unsigned char level, std::uint32_t* counts,
-                     std::uint32_t* sums);
+    void (*sumAbove)(const unsigned char* image, int width, int height, unsigned char level, ColumnSum* sums);
 
     /// For each column of [firstColumn, endColumn), finds the first row of [firstRow, endRow) at which a stripe starts:
     /// a pixel above the column's threshold, with another one above it among the three pixels to the right and the two
     /// above and below, and not darker than both its vertical neighbours. All those neighbours must lie inside the
     /// image.
-    /// @param endColumn at most a block after firstColumn
     /// @param thresholds, starts indexed by column
     void (*findStripeStarts)(const unsigned char* image, int width, int firstColumn, int endColumn, int firstRow,
                              int endRow, const int* thresholds, int* starts);

@@ -100,7 +100,9 @@ void checkCentroid(FuzzInput& input, Comparison& comparison) {
     Point2d point = twin;
     const int count = static_cast<int>(values.size());
     reference::ColumnCentroid(column, firstRow, count, values.data(), twin);
-    library::ColumnCentroid(column, firstRow, count, values.data(), point);
+    library::ColumnCentroid centroid(firstRow);
+    for (int i = 0; i < count; ++i) centroid.add(firstRow + i, static_cast<int>(values[static_cast<std::size_t>(i)]));
+    centroid.writeTo(point, column);
     comparison.equal("ColumnCentroid", twin, point);
 }
 

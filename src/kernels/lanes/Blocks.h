@@ -28,16 +28,25 @@ struct Block {
     }
 };
 
-inline Bytes maxOfRows(const Byte* pixels, int width, int rows) {
+/// Combines the same lane of several rows. A whole band is spelled out, so that it stays in registers.
+template <class Operation>
+inline Bytes ofRows(const Byte* pixels, int width, int rows, Operation combine) {
+    const std::ptrdiff_t stride = width;
     Bytes result = Bytes::load(pixels);
-    for (int r = 1; r < rows; ++r) result = max(result, Bytes::load(pixels + static_cast<std::ptrdiff_t>(r) * width));
+    if (rows == kBandRows) {
+        for (int r = 1; r < kBandRows; ++r) result = combine(result, Bytes::load(pixels + r * stride));
+    } else {
+        for (int r = 1; r < rows; ++r) result = combine(result, Bytes::load(pixels + r * stride));
+    }
     return result;
 }
 
+inline Bytes maxOfRows(const Byte* pixels, int width, int rows) {
+    return ofRows(pixels, width, rows, [](const Bytes& a, const Bytes& b) { return max(a, b); });
+}
+
 inline Bytes minOfRows(const Byte* pixels, int width, int rows) {
-    Bytes result = Bytes::load(pixels);
-    for (int r = 1; r < rows; ++r) result = min(result, Bytes::load(pixels + static_cast<std::ptrdiff_t>(r) * width));
-    return result;
+    return ofRows(pixels, width, rows, [](const Bytes& a, const Bytes& b) { return min(a, b); });
 }
 
 }  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET

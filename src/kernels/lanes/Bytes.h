@@ -43,6 +43,15 @@ inline Register subtractRegister(Register a, Register b) {
 inline Mask atLeastRegister(Register a, Register b) {
     return _mm512_cmpge_epu8_mask(a, b);
 }
+inline Register keepAtLeastRegister(Register a, Register b) {
+    return _mm512_maskz_mov_epi8(atLeastRegister(a, b), a);
+}
+inline Register orRegister(Register a, Register b) {
+    return _mm512_or_si512(a, b);
+}
+inline bool isZero(Register a) {
+    return _mm512_test_epi8_mask(a, a) == 0;
+}
 #elif KORVANE_KERNEL_LEVEL == 2
 using Register = __m256i;
 inline Register loadRegister(const Byte* p) {
@@ -66,6 +75,15 @@ inline Register subtractRegister(Register a, Register b) {
 inline Mask atLeastRegister(Register a, Register b) {
     return static_cast<std::uint32_t>(_mm256_movemask_epi8(_mm256_cmpeq_epi8(_mm256_max_epu8(a, b), a)));
 }
+inline Register keepAtLeastRegister(Register a, Register b) {
+    return _mm256_and_si256(a, _mm256_cmpeq_epi8(_mm256_max_epu8(a, b), a));
+}
+inline Register orRegister(Register a, Register b) {
+    return _mm256_or_si256(a, b);
+}
+inline bool isZero(Register a) {
+    return _mm256_testz_si256(a, a) != 0;
+}
 #else
 using Register = __m128i;
 inline Register loadRegister(const Byte* p) {
@@ -88,6 +106,15 @@ inline Register subtractRegister(Register a, Register b) {
 }
 inline Mask atLeastRegister(Register a, Register b) {
     return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(_mm_max_epu8(a, b), a)));
+}
+inline Register keepAtLeastRegister(Register a, Register b) {
+    return _mm_and_si128(a, _mm_cmpeq_epi8(_mm_max_epu8(a, b), a));
+}
+inline Register orRegister(Register a, Register b) {
+    return _mm_or_si128(a, b);
+}
+inline bool isZero(Register a) {
+    return _mm_movemask_epi8(_mm_cmpeq_epi8(a, _mm_setzero_si128())) == 0xffff;
 }
 #endif
 
@@ -124,6 +151,10 @@ inline Bytes min(const Bytes& a, const Bytes& b) {
 inline Bytes subtract(const Bytes& a, const Bytes& b) {
     return Bytes::make([&](int i) { return subtractRegister(a.part[i], b.part[i]); });
 }
+/// a where it is at least b, else 0.
+inline Bytes keepAtLeast(const Bytes& a, const Bytes& b) {
+    return Bytes::make([&](int i) { return keepAtLeastRegister(a.part[i], b.part[i]); });
+}
 
 inline Mask atLeast(const Bytes& a, const Bytes& b) {
     Mask mask = 0;
@@ -135,9 +166,11 @@ inline Mask above(const Bytes& a, const Bytes& b) {
     return ~atLeast(b, a);
 }
 
-/// Is any pixel of a greater than b's?
+/// Is any pixel of a greater than b's? Cheaper than the mask.
 inline bool anyAbove(const Bytes& a, const Bytes& b) {
-    return above(a, b) != 0;
+    Register excess = subtractRegister(a.part[0], b.part[0]);
+    for (int i = 1; i < kRegisters; ++i) excess = orRegister(excess, subtractRegister(a.part[i], b.part[i]));
+    return !isZero(excess);
 }
 
 /// Index of the lowest set bit; the mask is not empty.

@@ -20,7 +20,7 @@ inline void findColumnMaxima(const Byte* image, int width, int height, Byte floo
         for (int b = 0; b < blocks; ++b) {
             const Block block(b, width);
             const Bytes largest = maxOfRows(band + block.first, width, rows);
-            const bool any = (above(largest, floors) & block.owned) != 0;
+            const bool any = anyAbove(largest, floors);
             *active++ = any ? 1 : 0;
             if (any) max(largest, Bytes::load(maxima + block.first)).store(maxima + block.first);
         }

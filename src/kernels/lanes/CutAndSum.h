@@ -10,13 +10,27 @@
 
 namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
-inline void cutAndSumRow(Byte* pixels, int row, Byte threshold, int begin, std::uint32_t* sums, float* moments) {
-    const float rowNumber = static_cast<float>(row);
+// Cuts a block of a band and adds its columns begin .. 63 to the totals.
+inline void cutAndSumBlock(Byte* pixels, int width, int firstRow, int rows, const Bytes& least, int begin,
+                           std::uint32_t* sums, float* moments) {
+    // Arrays of its own, which no pixel can alias.
+    std::uint16_t sum[kLane] = {};
+    float moment[kLane] = {};
+    for (int i = begin; i < kLane; ++i) moment[i] = moments[i];
+    for (int r = firstRow; r < firstRow + rows; ++r, pixels += width) {
+        const Bytes cut = keepAtLeast(Bytes::load(pixels), least);
+        cut.store(pixels);
+        Byte grey[kLane];
+        cut.store(grey);
+        const float row = static_cast<float>(r);
+        for (int i = 0; i < kLane; ++i) {
+            sum[i] = static_cast<std::uint16_t>(sum[i] + grey[i]);
+            moment[i] += row * static_cast<float>(grey[i]);
+        }
+    }
     for (int i = begin; i < kLane; ++i) {
-        const Byte grey = pixels[i] < threshold ? Byte{0} : pixels[i];
-        pixels[i] = grey;
-        sums[i] += grey;
-        moments[i] += rowNumber * static_cast<float>(grey);
+        sums[i] += sum[i];
+        moments[i] = moment[i];
     }
 }
 
@@ -24,8 +38,9 @@ inline void cutAndSum(Byte* image, int width, int height, int threshold, std::ui
     if (width < kLane || threshold > 255) return plain::cutAndSum(image, width, height, threshold, sums, moments);
     const int blocks = blocksOf(width);
     // A pixel of 0 counts for nothing, whatever the threshold.
-    const Byte least = static_cast<Byte>(threshold < 1 ? 1 : threshold);
-    const Bytes leasts = Bytes::fill(least);
+    const Byte leastGrey = static_cast<Byte>(threshold < 1 ? 1 : threshold);
+    const Bytes least = Bytes::fill(leastGrey);
+    const Bytes largestCut = Bytes::fill(static_cast<Byte>(leastGrey - 1));
     const Bytes black = Bytes::fill(0);
 
     for (int r = 0; r < height; r += kBandRows) {
@@ -34,13 +49,12 @@ inline void cutAndSum(Byte* image, int width, int height, int threshold, std::ui
         for (int b = 0; b < blocks; ++b) {
             const Block block(b, width);
             Byte* pixels = band + block.first;
-            if (atLeast(maxOfRows(pixels, width, rows), leasts) == 0) {
+            if (!anyAbove(maxOfRows(pixels, width, rows), largestCut)) {
                 for (int i = 0; i < rows; ++i) black.store(pixels + static_cast<std::ptrdiff_t>(i) * width);
                 continue;
             }
-            for (int i = 0; i < rows; ++i)
-                cutAndSumRow(pixels + static_cast<std::ptrdiff_t>(i) * width, r + i, least, lowestBit(block.owned),
-                             sums + block.first, moments + block.first);
+            cutAndSumBlock(pixels, width, r, rows, least, lowestBit(block.owned), sums + block.first,
+                           moments + block.first);
         }
     }
 }

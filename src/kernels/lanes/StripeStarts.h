@@ -1,4 +1,4 @@
-// The first row of each column at which a stripe starts, for up to 64 columns at once. A start is a bright pixel, so a
+// The first row of each column at which a stripe starts, 64 columns at once. A start is a bright pixel, so a
 // band without one in the columns that are still open is passed over by its maximum.
 
 #ifndef KORVANE_KERNELS_LANES_STRIPESTARTS_H
@@ -19,36 +19,69 @@ inline Mask startsInRow(const Byte* row, int width, const Bytes& least, Mask bri
     return bright & supported & ~darkerThanBoth;
 }
 
+// The columns of a lane that are searched, and what they are searched for.
+struct OpenColumns {
+    Mask open;    // no start found yet
+    Bytes least;  // grey values of a bright pixel, from here on
+};
+
+inline OpenColumns openColumns(int first, int firstColumn, int endColumn, const int* thresholds) {
+    // Brighter than a threshold is at least one more, from 0 on; nothing is brighter than 255.
+    Byte least[kLane];
+    Mask open = 0;
+    for (int i = 0; i < kLane; ++i) {
+        const int threshold = thresholds[first + i];
+        least[i] = static_cast<Byte>(threshold < 0 ? 0 : threshold < 255 ? threshold + 1 : 255);
+        const bool wanted = first + i >= firstColumn && first + i < endColumn;
+        if (wanted && threshold < 255) open |= Mask{1} << i;
+    }
+    return {open, Bytes::load(least)};
+}
+
+// Searches a band; `band` points to the lane's first pixel.
+inline Mask searchBand(const Byte* band, int width, int firstRow, int rows, const OpenColumns& columns, int* starts) {
+    Mask open = columns.open;
+    if ((atLeast(maxOfRows(band, width, rows), columns.least) & open) == 0) return open;
+    for (int r = 0; r < rows; ++r, band += width) {
+        const Mask bright = atLeast(Bytes::load(band), columns.least) & open;
+        if (bright == 0) continue;
+        const Mask found = startsInRow(band, width, columns.least, bright);
+        for (Mask rest = found; rest != 0; rest &= rest - 1) starts[lowestBit(rest)] = firstRow + r;
+        open &= ~found;
+    }
+    return open;
+}
+
 inline void findStripeStarts(const Byte* image, int width, int firstColumn, int endColumn, int firstRow, int endRow,
                              const int* thresholds, int* starts) {
     // A lane and the column to its right must lie inside the image.
     if (width < kLane + 1)
         return plain::findStripeStarts(image, width, firstColumn, endColumn, firstRow, endRow, thresholds, starts);
-    const int first = firstColumn < width - kLane - 1 ? firstColumn : width - kLane - 1;
+    for (int c = firstColumn; c < endColumn; ++c) starts[c] = kNoStripe;
 
-    // Brighter than a threshold is at least one more, from 0 on; nothing is brighter than 255.
-    Byte leastGreys[kLane];
-    Mask open = 0;
-    for (int i = 0; i < kLane; ++i) {
-        const int threshold = thresholds[first + i];
-        leastGreys[i] = static_cast<Byte>(threshold < 0 ? 0 : threshold < 255 ? threshold + 1 : 255);
-        const bool wanted = first + i >= firstColumn && first + i < endColumn;
-        if (wanted) starts[first + i] = kNoStripe;
-        if (wanted && threshold < 255) open |= Mask{1} << i;
-    }
-    const Bytes least = Bytes::load(leastGreys);
-
-    for (int r = firstRow; r < endRow && open != 0; r += kBandRows) {
-        const int rows = rowsOfBand(r, endRow);
-        const Byte* row = image + static_cast<std::ptrdiff_t>(r) * width + first;
-        if ((atLeast(maxOfRows(row, width, rows), least) & open) == 0) continue;
-
-        for (int i = 0; i < rows; ++i, row += width) {
-            const Mask bright = atLeast(Bytes::load(row), least) & open;
-            if (bright == 0) continue;
-            const Mask found = startsInRow(row, width, least, bright);
-            for (Mask rest = found; rest != 0; rest &= rest - 1) starts[first + lowestBit(rest)] = r + i;
-            open &= ~found;
+    // A few lanes at a time, band by band, until no column is open any more.
+    constexpr int kLanesAtOnce = 64;
+    OpenColumns lanes[kLanesAtOnce];
+    int firsts[kLanesAtOnce];
+    // Lanes begin at multiples of their size, where they are likely to be cache lines.
+    for (int chunk = firstColumn / kLane * kLane; chunk < endColumn; chunk += kLanesAtOnce * kLane) {
+        int count = 0;
+        for (int c = chunk; c < endColumn && count < kLanesAtOnce; c += kLane, ++count) {
+            const int begin = c > firstColumn ? c : firstColumn;
+            const int end = c + kLane < endColumn ? c + kLane : endColumn;
+            firsts[count] = c < width - kLane - 1 ? c : width - kLane - 1;
+            lanes[count] = openColumns(firsts[count], begin, end, thresholds);
+        }
+        Mask anyOpen = 1;
+        for (int r = firstRow; r < endRow && anyOpen != 0; r += kBandRows) {
+            const int rows = rowsOfBand(r, endRow);
+            const Byte* row = image + static_cast<std::ptrdiff_t>(r) * width;
+            anyOpen = 0;
+            for (int l = 0; l < count; ++l) {
+                if (lanes[l].open != 0)
+                    lanes[l].open = searchBand(row + firsts[l], width, r, rows, lanes[l], starts + firsts[l]);
+                anyOpen |= lanes[l].open;
+            }
         }
     }
 }

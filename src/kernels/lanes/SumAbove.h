@@ -10,7 +10,7 @@ namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 // Adds a block of a band to the totals of columns `begin` .. 63 of the block.
 inline void addBand(const Byte* pixels, int width, int rows, const Bytes& levels, Byte level, int begin,
-                    std::uint32_t* counts, std::uint32_t* sums) {
+                    ColumnSum* sums) {
     std::uint16_t exceeding[kLane] = {};
     std::uint8_t number[kLane] = {};
     for (int r = 0; r < rows; ++r, pixels += width) {
@@ -22,13 +22,13 @@ inline void addBand(const Byte* pixels, int width, int rows, const Bytes& levels
         }
     }
     for (int i = begin; i < kLane; ++i) {
-        counts[i] += number[i];
-        sums[i] += exceeding[i] + static_cast<std::uint32_t>(level) * number[i];
+        sums[i].count += number[i];
+        sums[i].sum += exceeding[i] + static_cast<std::uint32_t>(level) * number[i];
     }
 }
 
-inline void sumAbove(const Byte* image, int width, int height, Byte level, std::uint32_t* counts, std::uint32_t* sums) {
-    if (width < kLane) return plain::sumAbove(image, width, height, level, counts, sums);
+inline void sumAbove(const Byte* image, int width, int height, Byte level, ColumnSum* sums) {
+    if (width < kLane) return plain::sumAbove(image, width, height, level, sums);
     const int blocks = blocksOf(width);
     const Bytes levels = Bytes::fill(level);
 
@@ -38,9 +38,8 @@ inline void sumAbove(const Byte* image, int width, int height, Byte level, std::
         for (int b = 0; b < blocks; ++b) {
             const Block block(b, width);
             const Byte* pixels = band + block.first;
-            if ((above(maxOfRows(pixels, width, rows), levels) & block.owned) == 0) continue;
-            addBand(pixels, width, rows, levels, level, lowestBit(block.owned), counts + block.first,
-                    sums + block.first);
+            if (!anyAbove(maxOfRows(pixels, width, rows), levels)) continue;
+            addBand(pixels, width, rows, levels, level, lowestBit(block.owned), sums + block.first);
         }
     }
 }

@@ -26,7 +26,7 @@ inline std::size_t findTransitions(const Byte* image, int width, int firstRow, i
         const Byte* pixels = band + block.first;
         const Bytes threshold = Bytes::load(thresholds + block.first);
         if (brightAbove == 0) {
-            if ((above(maxOfRows(pixels, width, rows), threshold) & block.owned) == 0) continue;
+            if (!anyAbove(maxOfRows(pixels, width, rows), threshold)) continue;
         } else if (brightAbove == block.owned) {
             if ((above(minOfRows(pixels, width, rows), threshold) & block.owned) == block.owned) continue;
         }

@@ -2,12 +2,12 @@
 
 namespace KORVANELASERALGO::kernels::plain {
 
-void sumAbove(const unsigned char* image, int width, int height, unsigned char level, std::uint32_t* counts,
-              std::uint32_t* sums) {
+void sumAbove(const unsigned char* image, int width, int height, unsigned char level, ColumnSum* sums) {
     for (int r = 0; r < height; ++r, image += width) {
         for (int c = 0; c < width; ++c) {
-            counts[c] += image[c] > level ? 1u : 0u;
-            sums[c] += image[c] > level ? image[c] : 0u;
+            if (image[c] <= level) continue;
+            ++sums[c].count;
+            sums[c].sum += image[c];
         }
     }
 }

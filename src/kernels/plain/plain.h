@@ -12,8 +12,7 @@ void findColumnMaxima(const unsigned char* image, int width, int height, unsigne
 std::size_t findTransitions(const unsigned char* image, int width, int firstRow, int endRow,
                             const unsigned char* thresholds, const unsigned char* active, std::uint64_t* state,
                             Transition* transitions);
-void sumAbove(const unsigned char* image, int width, int height, unsigned char level, std::uint32_t* counts,
-              std::uint32_t* sums);
+void sumAbove(const unsigned char* image, int width, int height, unsigned char level, ColumnSum* sums);
 void findStripeStarts(const unsigned char* image, int width, int firstColumn, int endColumn, int firstRow, int endRow,
                       const int* thresholds, int* starts);
 void cutAndSum(unsigned char* image, int width, int height, int threshold, std::uint32_t* sums, float* moments);
