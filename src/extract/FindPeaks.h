@@ -9,17 +9,30 @@
 #include <algorithm>
 #include <cassert>
 #include <cstddef>
+#include <limits>
 #include <vector>
 
 namespace KORVANELASERALGO::extract {
 
 inline constexpr int kLeastDrop = 5;          // grey levels, toward the surroundings
 inline constexpr int kLeastDropToAFoot = 50;  // grey levels, on at least one side
+inline constexpr int kAnyValue = std::numeric_limits<int>::min();
 
-/// Strict on the left, not on the right, so that a flat top counts once, at its first sample.
-template <class Profile>
-bool isPeak(const Profile& profile, std::size_t i) {
-    return profile[i] > profile[i - 1] && profile[i] >= profile[i + 1];
+/// Calls `visit` with the index of each local maximum in [first, end) that is at least `leastValue`. Strict on the
+/// left, not on the right, so that a flat top counts once, at its first sample.
+template <class Profile, class Visit>
+void visitPeaks(const Profile& profile, std::size_t first, std::size_t end, int leastValue, Visit visit) {
+    first = std::max<std::size_t>(first, 1);
+    end = std::min(end, profile.size() - 1);
+    if (first >= end) return;
+    int before = profile[first - 1];
+    int value = profile[first];
+    for (std::size_t i = first; i < end; ++i) {
+        const int after = profile[i + 1];
+        if (value >= leastValue && value > before && value >= after) visit(i);
+        before = value;
+        value = after;
+    }
 }
 
 /// How far the profile falls from a peak before it rises again.
@@ -54,30 +67,30 @@ std::size_t rightFootOf(const Profile& profile, std::size_t peak) {
 template <class Profile>
 void FindPeaks(const Profile& profile, std::vector<int>& positions, std::vector<int>& values) {
     assert(profile.size() > 0);
-    for (std::size_t i = 1; i + 1 < profile.size(); ++i) {
-        if (!isPeak(profile, i) || dropAround(profile, i) < kLeastDrop) continue;
+    visitPeaks(profile, 0, profile.size(), kAnyValue, [&](std::size_t i) {
+        if (dropAround(profile, i) < kLeastDrop) return;
         positions.push_back(static_cast<int>(i));
         values.push_back(profile[i]);
-    }
+    });
 }
 
-/// The part [first, end) of FindPeaksWithFeet below; the feet may lie outside of it.
+/// The peaks of FindPeaksWithFeet in [first, end) that are at least `leastValue`; the feet may lie outside.
 template <class Profile>
-void FindPeaksWithFeetWithin(const Profile& profile, std::size_t first, std::size_t end, std::vector<int>& positions,
-                             std::vector<int>& values, std::vector<int>& leftFeet, std::vector<int>& rightFeet) {
+void FindPeaksWithFeetWithin(const Profile& profile, std::size_t first, std::size_t end, int leastValue,
+                             std::vector<int>& positions, std::vector<int>& values, std::vector<int>& leftFeet,
+                             std::vector<int>& rightFeet) {
     assert(profile.size() > 0);
-    for (std::size_t i = std::max<std::size_t>(first, 1); i < end && i + 1 < profile.size(); ++i) {
-        if (!isPeak(profile, i)) continue;
+    visitPeaks(profile, first, end, leastValue, [&](std::size_t i) {
         const std::size_t leftFoot = leftFootOf(profile, i);
         const std::size_t rightFoot = rightFootOf(profile, i);
         const bool fallsLeft = profile[i] - profile[leftFoot] >= kLeastDropToAFoot;
         const bool fallsRight = profile[i] - profile[rightFoot] >= kLeastDropToAFoot;
-        if (!fallsLeft && !fallsRight) continue;
+        if (!fallsLeft && !fallsRight) return;
         positions.push_back(static_cast<int>(i));
         values.push_back(profile[i]);
         leftFeet.push_back(static_cast<int>(leftFoot));
         rightFeet.push_back(static_cast<int>(rightFoot));
-    }
+    });
 }
 
 /// Finds the local maxima that fall by 50 grey levels or more on at least one side, and where their descents end.
@@ -86,7 +99,7 @@ void FindPeaksWithFeetWithin(const Profile& profile, std::size_t first, std::siz
 template <class Profile>
 void FindPeaksWithFeet(const Profile& profile, std::vector<int>& positions, std::vector<int>& values,
                        std::vector<int>& leftFeet, std::vector<int>& rightFeet) {
-    FindPeaksWithFeetWithin(profile, 0, profile.size(), positions, values, leftFeet, rightFeet);
+    FindPeaksWithFeetWithin(profile, 0, profile.size(), kAnyValue, positions, values, leftFeet, rightFeet);
 }
 
 }  // namespace KORVANELASERALGO::extract

@@ -39,14 +39,15 @@ private:
 /// The grey-weighted mean ROI row over the positions first .. last of a run, clipped to the run. Every product and sum
 /// is an integer below 2^53, so an integer sum converted once equals a sum in double.
 inline double runCentroid(const BrightRun& run, int first, int last) {
+    const int end = std::min(last, run.length - 1);
     std::int64_t sum = 0;
-    std::int64_t moment = 0;
-    for (int i = std::max(first, 0); i <= std::min(last, run.length - 1); ++i) {
-        const std::int64_t grey = run.grey(i);
+    std::int64_t moment = 0;  // about the run's first row
+    for (int i = std::max(first, 0); i <= end; ++i) {
+        const int grey = run.grey(i);
         sum += grey;
-        moment += grey * (run.firstRow + i);
+        moment += std::int64_t{i} * grey;
     }
-    return static_cast<double>(moment) / static_cast<double>(sum);
+    return static_cast<double>(moment + run.firstRow * sum) / static_cast<double>(sum);
 }
 
 /// Adds the run as one candidate, whose width passes: its centroid, the grey value of the pixel there, its length.
@@ -61,13 +62,13 @@ inline void addWholeRun(const BrightRun& run, const tagKorvaneLaserAlgoLineSelec
 class RunHumps {
 public:
     /// @param runs all runs of the image, which are brighter than `level`
-    RunHumps(const ImageView& image, const kernels::ColumnRuns& runs, unsigned char level) {
-        // A hump falls by kLeastDropToAFoot within its run, so it is brighter than this. Where runs are long, as in
-        // ambient light, only such spots are looked at.
+    RunHumps(const ImageView& image, const kernels::ColumnRuns& runs, unsigned char level)
+        : leastPeak_(level + 1 + kLeastDropToAFoot) {
+        // Where runs are long, as in ambient light, only spots that are bright enough for a peak are looked at.
         const auto isLong = [](const kernels::Run& run) { return run.length > kLongRun; };
         if (std::none_of(runs.runs.begin(), runs.runs.end(), isLong)) return;
         const std::vector<unsigned char> thresholds(static_cast<std::size_t>(image.width),
-                                                    static_cast<unsigned char>(level + kLeastDropToAFoot));
+                                                    static_cast<unsigned char>(leastPeak_ - 1));
         spots_ = kernels::findColumnRuns(image.bytes, image.width, image.height, thresholds.data());
     }
 
@@ -102,11 +103,12 @@ private:
     static constexpr int kLongRun = 64;  // rows
 
     void findWithin(const BrightRun& run, int first, int end) {
-        FindPeaksWithFeetWithin(run, static_cast<std::size_t>(first), static_cast<std::size_t>(end), positions_,
-                                values_, leftFeet_, rightFeet_);
+        FindPeaksWithFeetWithin(run, static_cast<std::size_t>(first), static_cast<std::size_t>(end), leastPeak_,
+                                positions_, values_, leftFeet_, rightFeet_);
     }
 
-    kernels::ColumnRuns spots_;  // bright enough for humps, where a run is long
+    int leastPeak_;              // grey levels: a hump falls by kLeastDropToAFoot within its run
+    kernels::ColumnRuns spots_;  // bright enough for a peak; empty where no run is long
     std::vector<int> positions_;
     std::vector<int> values_;
     std::vector<int> leftFeet_;
