@@ -70,8 +70,9 @@ void Matrix::release() {
     cols = 0;
 }
 
+// The loops below do not touch the elements of an empty matrix, for it has no row or no column.
+
 double Matrix::norm() const {
-    if (data == nullptr) return 0.0;
     double sum = 0.0;
     for (std::int32_t i = 0; i < rows; ++i) {
         for (std::int32_t j = 0; j < cols; ++j) sum += data[i][j] * data[i][j];
@@ -81,7 +82,6 @@ double Matrix::norm() const {
 
 Matrix Matrix::transpose() const {
     Matrix result(cols, rows);
-    if (data == nullptr) return result;
     for (std::int32_t i = 0; i < rows; ++i) {
         for (std::int32_t j = 0; j < cols; ++j) result.data[j][i] = data[i][j];
     }
@@ -94,7 +94,6 @@ Matrix operator*(const Matrix& a, const Matrix& b) {
                              << b.rows << "x" << b.cols << ")");
     }
     Matrix result(a.rows, b.cols);
-    if (result.data == nullptr) return result;
     for (std::int32_t i = 0; i < a.rows; ++i) {
         for (std::int32_t j = 0; j < b.cols; ++j) {
             for (std::int32_t k = 0; k < a.cols; ++k) result.data[i][j] += a.data[i][k] * b.data[k][j];
@@ -105,7 +104,6 @@ Matrix operator*(const Matrix& a, const Matrix& b) {
 
 Matrix operator*(const Matrix& a, double scalar) {
     Matrix result(a.rows, a.cols);
-    if (result.data == nullptr) return result;
     for (std::int32_t i = 0; i < a.rows; ++i) {
         for (std::int32_t j = 0; j < a.cols; ++j) result.data[i][j] = a.data[i][j] * scalar;
     }
@@ -115,7 +113,6 @@ Matrix operator*(const Matrix& a, double scalar) {
 Matrix operator/(const Matrix& a, double scalar) {
     if (std::fabs(scalar) < kSmallestDivisor) endProcess(std::cerr << "ERROR: Trying to divide by zero!");
     Matrix result(a.rows, a.cols);
-    if (result.data == nullptr) return result;
     for (std::int32_t i = 0; i < a.rows; ++i) {
         for (std::int32_t j = 0; j < a.cols; ++j) result.data[i][j] = a.data[i][j] / scalar;
     }

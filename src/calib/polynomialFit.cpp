@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <new>
 #include <span>
@@ -16,11 +17,11 @@ namespace {
 
 // A x = b with a square A, row by row.
 struct LinearSystem {
-    explicit LinearSystem(std::size_t order) : size(order), b(order, 0.0) {
-        if (order > std::numeric_limits<std::ptrdiff_t>::max() / sizeof(double) / std::max<std::size_t>(order, 1)) {
-            throw std::bad_alloc();
-        }
+    explicit LinearSystem(std::size_t order) : size(order) {
+        // A size beyond all addresses fails as an allocation does; `order` is an int plus one.
+        if (std::uint64_t{order} * order > PTRDIFF_MAX / sizeof(double)) throw std::bad_alloc();
         a.resize(order * order);
+        b.resize(order);
     }
 
     std::span<double> row(std::size_t i) { return std::span(a).subspan(i * size, size); }

@@ -438,6 +438,12 @@ TEST(Cal3DPoint2, NegativeFirstRootGivesWayToTheSecond) {
     EXPECT_SAME_BITS(curved({2, 0, 0, 0, 0, -1}, {3, 1}), (Point3d{3, 1, 1}));
 }
 
+TEST(Cal3DPoint2, FirstRootJustBelowZeroGivesWayToTheSecond) {
+    // -s^2 + (4 - e) s + 4 e = 0: first root -e, second 4
+    const double e = 0x1p-10;
+    EXPECT_SAME_BITS(curved({4 * e, 5 - e, 0, 0, 0, -1}, {1, 1}), (Point3d{4, 4, 4}));
+}
+
 TEST(Cal3DPoint2, FirstRootOfZeroIsKept) {
     // -s^2 + s = 0: first root 0, second 1
     EXPECT_EQ(curved({0, 2, 0, 0, 0, -1}, {1, 1}).z, 0.0);

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <new>
 #include <utility>
 #include <vector>
 
@@ -99,6 +100,14 @@ TEST(Matrix, MovedMatrixHandsItsElementsOver) {
     EXPECT_EQ(rowsOf(target), (Rows{{1, 2, 3}, {4, 5, 6}}));
 }
 
+TEST(Matrix, MovedMatrixIsEmptyAfterwards) {
+    Matrix source = matrixOf({{1, 2, 3}, {4, 5, 6}});
+    const Matrix target(std::move(source));
+    EXPECT_EQ(source.data, nullptr);
+    EXPECT_EQ(source.rows, 0);
+    EXPECT_EQ(source.cols, 0);
+}
+
 // ---- Copy assignment
 
 TEST(Matrix, AssignmentToItselfChangesNothing) {
@@ -127,6 +136,26 @@ TEST(Matrix, AssignmentOfAnotherSizeRebuildsTheTarget) {
     EXPECT_EQ(target.rows, 2);
     EXPECT_EQ(target.cols, 3);
     EXPECT_EQ(rowsOf(target), (Rows{{1, 2, 3}, {4, 5, 6}}));
+}
+
+TEST(Matrix, AssignmentOfAnotherNumberOfRowsOrColumnsAloneRebuildsTheTargetToo) {
+    const Matrix source = matrixOf({{1, 2}, {3, 4}});
+    Matrix oneRow = matrixOf({{9, 9}});
+    oneRow = source;
+    EXPECT_EQ(rowsOf(oneRow), (Rows{{1, 2}, {3, 4}}));
+    Matrix oneColumn = matrixOf({{9}, {9}});
+    oneColumn = source;
+    EXPECT_EQ(rowsOf(oneColumn), (Rows{{1, 2}, {3, 4}}));
+}
+
+TEST(Matrix, AssignmentThatFindsNoMemoryLeavesTheTargetEmpty) {
+    Matrix source(1, 1);
+    source.rows = source.cols = std::numeric_limits<std::int32_t>::max();  // more bytes than there are addresses
+    Matrix target = matrixOf({{1, 2}, {3, 4}});
+    EXPECT_THROW(target = source, std::bad_alloc);
+    EXPECT_EQ(target.data, nullptr);
+    EXPECT_EQ(target.rows, 0);
+    EXPECT_EQ(target.cols, 0);
 }
 
 TEST(Matrix, AssignmentIntoAnEmptyMatrixBuildsIt) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <limits>
+#include <new>
 #include <stdexcept>
 #include <typeinfo>
 #include <utility>
@@ -204,6 +205,14 @@ TEST(polynomialFit, PositionThatIsNotANumberYieldsNotANumber) {
     EXPECT_TRUE(std::isnan(c[1]));
 }
 
+TEST(polynomialFit, InfiniteSumOfPowersMakesTheHighestCoefficientZero) {
+    // With u = 2^600: (1, u | 1), (u, inf | u). The second row is the pivot and leaves (0, -inf | 0) of the first.
+    const Numbers c = fit({0x1p600}, {1}, 1);
+    ASSERT_EQ(c.size(), 2U);
+    EXPECT_TRUE(std::isnan(c[0]));
+    EXPECT_SAME_BITS(c[1], -0.0);
+}
+
 TEST(polynomialFit, ImpossibleDegreeIsALengthError) {
     for (int degree : {-2, -3, -1000, kIntMin, kIntMax}) {
         try {
@@ -219,6 +228,12 @@ TEST(polynomialFit, ImpossibleDegreeIsALengthError) {
 TEST(polynomialFit, ImpossibleDegreeIsALengthErrorWithoutSamplesToo) {
     EXPECT_THROW((void)fit({}, {}, -2), std::length_error);
     EXPECT_THROW((void)fit({}, {}, kIntMax), std::length_error);
+}
+
+TEST(polynomialFit, DegreeWhoseSystemHasMoreBytesThanThereAreAddressesIsAnAllocationFailure) {
+    // 2147483647^2 doubles are about 2^65 bytes.
+    EXPECT_THROW((void)fit({0, 1, 2}, {1, 3, 5}, kIntMax - 1), std::bad_alloc);
+    EXPECT_THROW((void)fit({}, {}, kIntMax - 1), std::bad_alloc);
 }
 
 // ---- evaluatePolynomial
