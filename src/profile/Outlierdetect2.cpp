@@ -40,8 +40,6 @@ void Outlierdetect2(Profile& profile, int halfWidth, float threshold) {
                 size = 1;
             }
             const bool follows = std::fabs(point.z - last.z) < limit && std::fabs(point.x - last.x) < limit;
-            if (!follows && firstWaits && size < halfWidth) profile[0] = kEmpty;
-            if (!follows) firstWaits = false;
             size = follows ? size + 1 : 1;
             last = point;
         }

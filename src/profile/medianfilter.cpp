@@ -69,15 +69,16 @@ void medianfilter(Profile& profile, int halfWindow) {
                    [](const tagKorvaneLaserPoint3d& point) { return keyOf(point.z); });
 
     SortedWindow window(static_cast<std::size_t>(windowSize));
-    for (std::size_t n = 0; n < r && n < keys.size(); ++n) window.insert(keys[n]);
+    for (std::size_t n = 0; n < r; ++n) window.insert(keys[n]);
     for (std::size_t j = 0; j < keys.size(); ++j) {
         const bool enters = j + r < keys.size();
         const bool leaves = j > r;
+        // There are enough points that in every turn a height enters or leaves.
         if (enters && leaves) {
             window.replace(keys[j - r - 1], keys[j + r]);
         } else if (enters) {
             window.insert(keys[j + r]);
-        } else if (leaves) {
+        } else {
             window.erase(keys[j - r - 1]);
         }
         profile[valid.positions[j]].z = heightOf(window.median());
