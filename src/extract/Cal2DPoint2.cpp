@@ -118,9 +118,8 @@ void Cal2DPoint2(const AlgoContext& context, bool* mask, const unsigned char* im
         if (runCount == 1 && !centres.ofColumn(c).empty()) {
             previous = centres.ofColumn(c).front();
             pointOf(c) = {static_cast<double>(c), previous};
-        } else if (runCount > 1 && c > 0) {
-            if (previous == 0.0 && pointOf(c - 1).y > 0.0) previous = pointOf(c - 1).y;
-            if (previous > 0.0) takeNearest(c, previous, view.height);
+        } else if (runCount > 1 && c > 0 && previous > 0.0) {
+            takeNearest(c, previous, view.height);
         }
     }
 
