@@ -25,8 +25,7 @@ struct BlobMask {
     std::vector<int> topRuns;  // per column: rows of the blob, from row 0 on
     int bandFirstColumn = 0;
     int bandEndColumn = 0;
-    int bandFirstRow = 0;
-    int bandEndRow = 0;
+    int bandEndRow = 0;  // the band begins at row 0
 };
 
 // Per column, the number of rows above the blob's level from row 0 on; runs that are too short do not count.
@@ -55,7 +54,8 @@ void removeBlob(const MutableImageView& image, const std::vector<int>& topRuns) 
     }
 }
 
-// A band of columns around the blob's centre, in the half of the image in which that lies.
+// A band of columns around the blob's centre, from the top edge to below it, in the upper half of the image. The centre
+// never lies in the lower one, for the blob hangs from the top edge.
 void maskBand(int width, int height, BlobMask& mask) {
     std::int64_t count = 0;
     std::int64_t columnSum = 0;
@@ -70,12 +70,9 @@ void maskBand(int width, int height, BlobMask& mask) {
 
     const std::int64_t centreColumn = columnSum / count;
     const int centreRow = static_cast<int>(rowSum / count);
-    const int sixth = height / 6;
-    const int half = height / 2;
     mask.bandFirstColumn = static_cast<int>(std::max<std::int64_t>(centreColumn - kBandHalfWidth, 0));
     mask.bandEndColumn = static_cast<int>(std::min<std::int64_t>(width - 1, centreColumn + kBandHalfWidth));
-    mask.bandFirstRow = centreRow <= half ? 0 : std::max(half, centreRow - sixth);
-    mask.bandEndRow = centreRow <= half ? std::min(centreRow + sixth, half) : height;
+    mask.bandEndRow = std::min(centreRow + height / 6, height / 2);
 }
 
 struct GreyRange {
@@ -89,7 +86,7 @@ void thresholdColumns(const ImageView& src, const BlobMask& mask, int firstColum
     // The grey range of each column outside the mask.
     for (int r = 0; r < src.height; ++r) {
         const unsigned char* row = src.row(r);
-        const bool inBand = r >= mask.bandFirstRow && r < mask.bandEndRow;
+        const bool inBand = r < mask.bandEndRow;
         for (int c = firstColumn; c < endColumn; ++c) {
             if (r < mask.topRuns[static_cast<std::size_t>(c)]) continue;
             if (inBand && c >= mask.bandFirstColumn && c < mask.bandEndColumn) continue;
