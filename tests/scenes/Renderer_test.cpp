@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "HandSensor.h"
+#include "support/Checksum.h"
 
 using scenes::Frame;
 using scenes::Renderer;
@@ -27,14 +28,10 @@ double meanOf(const std::vector<unsigned char>& pixels) {
     return sum / static_cast<double>(pixels.size());
 }
 
-/// FNV-1a over all bytes.
 std::uint64_t checksum(const std::vector<unsigned char>& bytes) {
-    std::uint64_t hash = 14695981039346656037ULL;
-    for (unsigned char byte : bytes) {
-        hash ^= byte;
-        hash *= 1099511628211ULL;
-    }
-    return hash;
+    support::Checksum sum;
+    sum.add(bytes.data(), bytes.size());
+    return sum.value();
 }
 
 }  // namespace

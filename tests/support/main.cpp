@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 
 #include "support/ExitGuard.h"
@@ -9,23 +8,10 @@
 
 namespace {
 
-constexpr int kEndedTooEarly = 86;  // exit status
-constexpr int kSkipped = 77;        // exit status that the runner shows as "skipped"
-constexpr int kUsage = 2;           // exit status
-
-bool processMayEnd = false;
-
-void failUnlessFinished() {
-    if (processMayEnd) return;
-    std::fputs("The process ended before the test runner had finished.\n", stderr);
-    std::_Exit(kEndedTooEarly);
-}
+constexpr int kSkipped = 77;  // exit status that the runner shows as "skipped"
+constexpr int kUsage = 2;     // exit status
 
 }  // namespace
-
-void support::expectProcessEnd() {
-    processMayEnd = true;
-}
 
 // Test programs take one argument beside the framework's own: --kernels=SET.
 int main(int argc, char** argv) {
@@ -47,8 +33,8 @@ int main(int argc, char** argv) {
     }
     // A death test runs in a process of its own, so the threads of other tests do not matter to it.
     testing::GTEST_FLAG(death_test_style) = "threadsafe";
-    std::atexit(failUnlessFinished);
+    support::guardAgainstProcessEnd();
     const int result = RUN_ALL_TESTS();
-    processMayEnd = true;
+    support::expectProcessEnd();
     return result;
 }
