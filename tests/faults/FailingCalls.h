@@ -1,10 +1,11 @@
 // Allocations and thread starts that fail when a test says so. A program that links FailingCalls.cpp has its global
 // allocation functions and pthread_create replaced, so it is a program of its own.
 
-#ifndef KORVANE_TESTS_IMAGE_FAILINGCALLS_H
-#define KORVANE_TESTS_IMAGE_FAILINGCALLS_H
+#ifndef KORVANE_TESTS_FAULTS_FAILINGCALLS_H
+#define KORVANE_TESTS_FAULTS_FAILINGCALLS_H
 
 #include <atomic>
+#include <cstddef>
 
 /// Counts the calls of one kind while it is watched, and tells which of them has to fail.
 class CallCounter {
@@ -30,6 +31,15 @@ private:
 extern CallCounter allocations;
 extern CallCounter threadStarts;
 
+/// What `allocations` had counted when a thread start was last made to fail.
+extern std::atomic<int> allocationsBeforeFailedStart;
+
+/// Allocations of the program that are not freed yet.
+extern std::atomic<long> liveAllocations;
+
+/// A single allocation of more than this always fails, as if the machine had no more memory.
+inline constexpr std::size_t kLargestAllocation = std::size_t{1} << 28;  // bytes
+
 /// Watches a counter for the length of a scope.
 class Watch {
 public:
@@ -42,4 +52,4 @@ private:
     CallCounter& counter_;
 };
 
-#endif  // KORVANE_TESTS_IMAGE_FAILINGCALLS_H
+#endif  // KORVANE_TESTS_FAULTS_FAILINGCALLS_H

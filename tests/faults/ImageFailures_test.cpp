@@ -8,8 +8,8 @@
 #include <system_error>
 #include <vector>
 
-#include "FailingCalls.h"
 #include "KorvaneLaserAlgo.h"
+#include "faults/FailingCalls.h"
 #include "support/ExitGuard.h"
 #include "support/Support.h"
 
@@ -21,6 +21,17 @@ constexpr unsigned char kOld = 7;  // grey value that the caller left in the out
 constexpr int kOldLabel = -3;
 
 using Bytes = std::vector<unsigned char>;
+
+/// The code of the std::system_error that a call ends with; none where it returns.
+template <class Operation>
+std::error_code reasonOfSystemError(Operation operation) {
+    try {
+        operation();
+    } catch (const std::system_error& failure) {
+        return failure.code();
+    }
+    return {};
+}
 
 // CalcImageBuffer, on frames of 4 x 4 pixels of one grey value. The previous frame of the process is forgotten before
 // every test.
@@ -171,6 +182,16 @@ TEST(Otsu3Failure, FailureOfTheFirstThreadLeavesAsSystemErrorAndTheSourceHasLost
     EXPECT_EQ(frame.out.at(50, 7), 150);
 }
 
+TEST(Otsu3Failure, FailureOfTheFirstThreadTellsItsReasonAndLosesNoMemory) {
+    BlobFrame frame;
+    const long live = liveAllocations;
+    {
+        const Watch watch(threadStarts, 1);
+        EXPECT_EQ(reasonOfSystemError([&] { frame.select(); }), std::errc::resource_unavailable_try_again);
+    }
+    EXPECT_EQ(liveAllocations, live);
+}
+
 TEST(Otsu3FailureDeathTest, FailureOfALaterThreadEndsTheProcessThroughTerminate) {
     EXPECT_DEATH(selectWithFailingStart(2), "terminated without the blob");
     EXPECT_DEATH(selectWithFailingStart(3), "terminated without the blob");
@@ -245,21 +266,18 @@ TEST_F(CalcImageBufferFailure, EndOfMemoryWhileAFirstFrameIsStoredLeavesNoFrame)
     EXPECT_EQ(stabilised(150), Bytes(16, 150));
 }
 
-TEST_F(CalcImageBufferFailure, EndOfMemoryWhileTheThreadsStartLeavesAsBadAlloc) {
-    int failures = 0;
-    for (bool done = false; !done;) {
+TEST_F(CalcImageBufferFailure, FailureOfAThreadTellsItsReasonAndLosesNoMemory) {
+    Image frame(4, 4, 150);
+    Image out(4, 4, kOld);
+    for (const int failing : {1, 2}) {
         stabilised(100);
-        Image frame(4, 4, 150);
-        Image out(4, 4, kOld);
-        const Watch watch(allocations, failures + 1);
-        try {
-            call(frame, out);
-            done = true;
-        } catch (const std::bad_alloc&) {
-            ++failures;
+        const long live = liveAllocations;
+        {
+            const Watch watch(threadStarts, failing);
+            EXPECT_EQ(reasonOfSystemError([&] { call(frame, out); }), std::errc::resource_unavailable_try_again);
         }
+        EXPECT_EQ(liveAllocations, live) << "thread " << failing;
     }
-    EXPECT_GE(failures, 1);
 }
 
 // AutoExposure
