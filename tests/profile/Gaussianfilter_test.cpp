@@ -62,6 +62,11 @@ TEST(Gaussianfilter, HalfWindowWhoseSquareExceedsAnIntIsNoTrouble) {
     EXPECT_TRUE(sameBits(filtered(profile, 50000), profile));  // 50000^2 = 2.5e9
 }
 
+TEST(Gaussianfilter, LargestHalfWindowWhoseTapsAreAnIntLeavesAShortProfile) {
+    const Profile profile = profileOfHeights({5, 1, 4, 2, 3});
+    EXPECT_TRUE(sameBits(filtered(profile, 1073741823), profile));  // 2147483647 taps
+}
+
 TEST(Gaussianfilter, ImpossibleHalfWindowIsAnAllocationFailureAndChangesNothing) {
     // Negative, or 2 r + 1 beyond an int.
     KorvaneLaserAlgo algo;

@@ -214,6 +214,14 @@ TEST(Outlierdetect1, FirstPointHasNoDirectionToVoteWith) {
     EXPECT_TRUE(sameBits(filtered(profile, 2, kNoDepthVote), withCleared(profile, {0, 1, 2, 6})));
 }
 
+TEST(Outlierdetect1, FirstPointDoesNotVoteForADirectionNearZeroEither) {
+    // w = 3: position 3 asks 1, 2, 4 and 5, and not 0, whose missing direction is not one of 0.
+    const Profile threeVotes = profileOfSlopes({0.1, 0.1, 0.1, 0.1, 1, 1});
+    EXPECT_SAME_BITS(filtered(threeVotes, 3, kNoDepthVote)[3], kEmptyPoint);
+    const Profile fourVotes = profileOfSlopes({0.1, 0.1, 0.1, 0.1, 0.1, 1});
+    EXPECT_SAME_BITS(filtered(fourVotes, 3, kNoDepthVote)[3], fourVotes[3]);
+}
+
 TEST(Outlierdetect1, FirstTwoPointsLiveByDepthOnly) {
     // All directions agree, the depths lie 1 apart. w = 3: position 1 asks 0, 1, 2 and 3, position 0 itself, 1 and 2.
     const Profile profile = profileOfSlopes(std::vector<double>(9, 1.0));
