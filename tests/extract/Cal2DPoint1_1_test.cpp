@@ -410,6 +410,20 @@ TEST(Cal2DPoint1_1, SeveralCandidatesStayUnresolvedBeforeAnyChoice) {
     }
 }
 
+TEST(Cal2DPoint1_1, RowBetweenZeroAndOneIsFollowedInBothDirections) {
+    Image toTheRight(2, 120);
+    drawRun(toTheRight, 0, 0, {200, 200});
+    drawSpot(toTheRight, 1, 3);
+    drawSpot(toTheRight, 1, 90);
+    EXPECT_TRUE(rowsAre(toTheRight, {.mode = 4}, {0.5, 3.0}));
+
+    Image toTheLeft(2, 120);
+    drawSpot(toTheLeft, 0, 3);
+    drawSpot(toTheLeft, 0, 90);
+    drawRun(toTheLeft, 1, 0, {200, 200});
+    EXPECT_TRUE(rowsAre(toTheLeft, {.mode = 4}, {3.0, 0.5}));
+}
+
 TEST(Cal2DPoint1_1, OnlyCandidateOnRowZeroEndsTheFollowing) {
     Image image(3, 120);
     drawSpot(image, 0, 50);

@@ -390,6 +390,14 @@ TEST(Cal2DPoint2, TwoRunsBeforeAnyStripeWasTrackedAreFilledFromTheRight) {
     EXPECT_TRUE(rowsAre(image, {48.0, 49.0, 50.0}));
 }
 
+TEST(Cal2DPoint2, RowBetweenZeroAndOneIsFollowed) {
+    Image image(2, 120);
+    drawRun(image, 0, 0, {200, 200});
+    drawSpot(image, 1, 3);
+    drawSpot(image, 1, 90);
+    EXPECT_TRUE(rowsAre(image, {0.5, 3.0}));
+}
+
 TEST(Cal2DPoint2, SingleRunOnRowZeroEndsTheFollowing) {
     Image image(3, 120);
     drawSpot(image, 0, 50);
@@ -442,6 +450,15 @@ TEST(Cal2DPoint2, WhetherAChoiceIsRevisedIsDecidedInDoublePrecision) {
     drawRun(image, 1, 24, {131, 200, 195});
     drawRun(image, 2, 27, aboveRow30());
     EXPECT_TRUE(rowsAre(image, {35.0, nearer, right}));
+}
+
+TEST(Cal2DPoint2, ChoiceIsRevisedForARightRowBetweenZeroAndOne) {
+    Image image(8, 120);
+    drawSpot(image, 0, 8);
+    drawSpot(image, 1, 3);
+    drawSpot(image, 1, 8);
+    drawRun(image, 2, 0, {200, 200});
+    EXPECT_TRUE(rowsAre(image, {8.0, 3.0, 0.5}));
 }
 
 TEST(Cal2DPoint2, ChoiceStaysWhereNoOtherCandidateIsNear) {
