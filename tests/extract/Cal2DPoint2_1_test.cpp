@@ -297,6 +297,19 @@ TEST(Cal2DPoint2_1, StripeOf100VotesIsNoSegmentAndKeepsAllCandidates) {
     EXPECT_TRUE(foundAt(extract(votes101), 60, 50.0));
 }
 
+// A line at 90.5 degrees would collect all votes but a few. At 90 degrees they split by rows, into 64 and 65; at 91
+// degrees column x and row y vote for y - 0.01745 x, of which 48 round to 50 and 80 to 49; at 89 degrees still fewer
+// agree.
+TEST(Cal2DPoint2_1, LinesAreSoughtAtWholeDegreesOnly) {
+    Image image(130, 100);
+    drawStripe(image, 0, 58, 50);
+    drawSpot(image, 59, 60);
+    drawSpot(image, 60, 60);
+    drawStripe(image, 60, 64, 50);
+    drawStripe(image, 65, 129, 51);
+    EXPECT_TRUE(foundAt(extract(image), 60, 60.0));
+}
+
 TEST(Cal2DPoint2_1, SegmentMustHaveMoreThan4VotesPer5Columns) {
     Image image(150, 100);
     for (int column = 0; column < 150; ++column) {
@@ -426,6 +439,17 @@ TEST(Cal2DPoint2_1, SegmentRowFollowsItsSlope) {
     const Extraction result = extract(image);
     EXPECT_TRUE(foundAt(result, 59, 79.0));
     EXPECT_TRUE(foundAt(result, 60, 70.0));
+}
+
+TEST(Cal2DPoint2_1, SlopeOfASegmentIsOfItsOwnColumns) {
+    Image image(130, 150);
+    for (int column = 10; column < 130; ++column) drawSpot(image, column, column);
+    drawRun(image, 69, 68, {0, 0, 0});
+    drawSpot(image, 69, 79);
+    drawSpot(image, 70, 80);
+    const Extraction result = extract(image);
+    EXPECT_TRUE(foundAt(result, 69, 79.0));
+    EXPECT_TRUE(foundAt(result, 70, 70.0));
 }
 
 TEST(Cal2DPoint2_1, SegmentRowIsInSinglePrecision) {
@@ -709,6 +733,29 @@ TEST(Cal2DPoint2_1, GroupAtTheBorderIsNotPruned) {
     drawSpot(right, 1, 57);
     drawSpot(right, 1, 73);
     EXPECT_TRUE(rowsAre(right, {.mode = 4}, {50.0, 73.0}));
+}
+
+TEST(Cal2DPoint2_1, GroupThatBeginsInColumn0IsNotPrunedFurtherRight) {
+    Image image(7, 120);
+    for (int column : {0, 5}) {  // one group, for they lie at most 10 apart
+        drawSpot(image, column, 57);
+        drawSpot(image, column, 73);
+    }
+    drawSpot(image, 1, 50);
+    drawSpot(image, 6, 50);
+    EXPECT_TRUE(rowsAre(image, {.mode = 4}, {73.0, 50.0, kNone, kNone, kNone, 73.0, 50.0}));
+}
+
+// Without pruning SelectMode would take row 30. The expected row is 1.25.
+TEST(Cal2DPoint2_1, AnchorBetweenRowsZeroAndOnePrunes) {
+    for (int column : {0, 2}) {
+        Image image(3, 120);
+        drawRun(image, column, 0, {200, 200});
+        drawSpot(image, 1, 8);
+        drawSpot(image, 1, 30);
+        drawSpot(image, 2 - column, 2);
+        EXPECT_TRUE(foundAt(extract(image, {.mode = 4}), 1, 8.0)) << "column " << column;
+    }
 }
 
 TEST(Cal2DPoint2_1, AnchorOnRowZeroDoesNotPruneAndIsNotPassedOver) {
