@@ -226,6 +226,14 @@ TEST(FindLineSegments, SuppressionAtTheSmallestAngleStaysInsideTheTable) {
 
 // ---- Resolution
 
+TEST(FindLineSegments, DistancesAreCountedInSteps) {
+    // With cells of 2 pixels the column x = 100 is cell 50 from the middle and the row y = 100 as well.
+    Points column;
+    addColumn(column, 100, 0, 119);
+    EXPECT_EQ(segmentsOf(column, {.rhoStep = 2.0F}), (Segments{{100, 0, 100, 119}}));
+    EXPECT_EQ(segmentsOf(row(0, 119, 100), {.rhoStep = 2.0F}), (Segments{{0, 100, 119, 100}}));
+}
+
 TEST(FindLineSegments, NumberOfAnglesIsRounded) {
     // pi / 1.2 = 2.6 gives three angles: 0, 1.2 and 2.4.
     const double angle = 2.4;
