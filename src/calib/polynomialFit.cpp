@@ -17,6 +17,7 @@ namespace {
 
 // A x = b with a square A, row by row.
 struct LinearSystem {
+    // The matrix comes first, so that an impossible degree fails before any memory is filled.
     explicit LinearSystem(std::size_t order) : size(order) {
         // A size beyond all addresses fails as an allocation does; `order` is an int plus one.
         if (std::uint64_t{order} * order > PTRDIFF_MAX / sizeof(double)) throw std::bad_alloc();

@@ -165,10 +165,14 @@ TEST(SizesBeyondMemory, KernelOfABlurLeavesAsBadAlloc) {
     EXPECT_EQ(src.pixels(), std::vector<unsigned char>(64, 100));
 }
 
-TEST(SizesBeyondMemory, DegreeOfAPolynomialLeavesAsBadAlloc) {
+TEST(SizesBeyondMemory, DegreeOfAPolynomialLeavesAsBadAllocBeforeAnyMemoryIsFilled) {
     KorvaneLaserAlgo algo;
-    for (const int degree : {40000, INT_MAX - 1})
-        EXPECT_THROW((void)algo.polynomialFit({1.0}, {1.0}, degree), std::bad_alloc) << degree;
+    const std::vector<double> samples = {1.0};
+    for (const int degree : {40000, INT_MAX - 1}) {
+        const Watch watch(allocations);
+        EXPECT_THROW((void)algo.polynomialFit(samples, samples, degree), std::bad_alloc) << degree;
+        EXPECT_LE(allocations.calls(), 1) << "degree " << degree << ": the first allocation must be the one that fails";
+    }
 }
 
 // ---- a failure that no exception can leave: threads are running already
