@@ -417,8 +417,9 @@ public:
     /// @param out `Width` x `Height` bytes; selected pixels are written, others stay as they were
     /// @param labels `Width` x `Height` ints; 1 is written at selected pixels, others stay as they were
     /// @param src `Width` x `Height` bytes; the blob's pixels become 0
-    /// @throws std::bad_alloc where memory ends, before anything is changed; std::system_error where the first thread
-    /// cannot start (`src` has lost its blob then); where a later one cannot start, the process ends
+    /// @throws std::bad_alloc where memory ends, before anything is changed; std::system_error, or std::bad_alloc,
+    /// where the first thread cannot start (`src` has lost its blob then); where a later one cannot start, the process
+    /// ends
     void Otsu3(unsigned char* out, int* labels, unsigned char* src);
 
     /// Merges two exposures of one scene: the first as it is, and in every column of it without a pixel of 255, the
