@@ -83,6 +83,15 @@ struct KernelSet {
     /// grey value, converted to single precision, row by row).
     /// @param height at most 2^24, so that every row and every product is exact before it is rounded once
     void (*cutAndSum)(unsigned char* image, int width, int height, int threshold, std::uint32_t* sums, float* moments);
+
+    // ---- a part of an image, or an image to an image ----
+
+    /// Copies the pixels above their column's threshold; other pixels of `out` stay as they were.
+    /// @param image, out, labels first pixel of a part of images that are `stride` pixels wide; `out` may be `image`
+    /// @param thresholds one per column of the part
+    /// @param labels null, or receives 1 for each copied pixel and stays as it was elsewhere
+    void (*copyAbove)(const unsigned char* image, int stride, int columns, int rows, const unsigned char* thresholds,
+                      unsigned char* out, int* labels);
 };
 
 /// The fastest set that the processor has and the build allows. Always the same one within a process.

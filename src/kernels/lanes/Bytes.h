@@ -52,6 +52,9 @@ inline Register orRegister(Register a, Register b) {
 inline bool isZero(Register a) {
     return _mm512_test_epi8_mask(a, a) == 0;
 }
+inline void storeRegisterAbove(Byte* p, Register v, Register level) {
+    _mm512_mask_storeu_epi8(p, _mm512_cmpgt_epu8_mask(v, level), v);
+}
 #elif KORVANE_KERNEL_LEVEL == 2
 using Register = __m256i;
 inline Register loadRegister(const Byte* p) {
@@ -83,6 +86,10 @@ inline Register orRegister(Register a, Register b) {
 }
 inline bool isZero(Register a) {
     return _mm256_testz_si256(a, a) != 0;
+}
+inline void storeRegisterAbove(Byte* p, Register v, Register level) {
+    const Register stays = _mm256_cmpeq_epi8(_mm256_max_epu8(v, level), level);
+    storeRegister(p, _mm256_blendv_epi8(v, loadRegister(p), stays));
 }
 #else
 using Register = __m128i;
@@ -116,6 +123,10 @@ inline Register orRegister(Register a, Register b) {
 inline bool isZero(Register a) {
     return _mm_movemask_epi8(_mm_cmpeq_epi8(a, _mm_setzero_si128())) == 0xffff;
 }
+inline void storeRegisterAbove(Byte* p, Register v, Register level) {
+    const Register stays = _mm_cmpeq_epi8(_mm_max_epu8(v, level), level);
+    storeRegister(p, _mm_or_si128(_mm_and_si128(stays, loadRegister(p)), _mm_andnot_si128(stays, v)));
+}
 #endif
 
 inline constexpr int kRegisters = kLane / static_cast<int>(sizeof(Register));
@@ -138,6 +149,11 @@ struct Bytes {
     }
     void store(Byte* p) const {
         for (int i = 0; i < kRegisters; ++i) storeRegister(p + i * static_cast<int>(sizeof(Register)), part[i]);
+    }
+    /// Stores the pixels above `level`. The others may be read and written back.
+    void storeAbove(Byte* p, const Bytes& level) const {
+        for (int i = 0; i < kRegisters; ++i)
+            storeRegisterAbove(p + i * static_cast<int>(sizeof(Register)), part[i], level.part[i]);
     }
 };
 

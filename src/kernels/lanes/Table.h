@@ -6,6 +6,7 @@
 #define KORVANE_KERNELS_LANES_TABLE_H
 
 #include "kernels/lanes/ColumnMaxima.h"
+#include "kernels/lanes/CopyAbove.h"
 #include "kernels/lanes/CutAndSum.h"
 #include "kernels/lanes/StripeStarts.h"
 #include "kernels/lanes/SumAbove.h"
@@ -15,7 +16,7 @@ namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 extern const KernelSet kTable;
 const KernelSet kTable = {
-    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove, findStripeStarts, cutAndSum,
+    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove, findStripeStarts, cutAndSum, copyAbove,
 };
 
 }  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET

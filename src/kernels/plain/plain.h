@@ -16,6 +16,8 @@ void sumAbove(const unsigned char* image, int width, int height, unsigned char l
 void findStripeStarts(const unsigned char* image, int width, int firstColumn, int endColumn, int firstRow, int endRow,
                       const int* thresholds, int* starts);
 void cutAndSum(unsigned char* image, int width, int height, int threshold, std::uint32_t* sums, float* moments);
+void copyAbove(const unsigned char* image, int stride, int columns, int rows, const unsigned char* thresholds,
+               unsigned char* out, int* labels);
 
 extern const KernelSet kTable;
 
