@@ -92,6 +92,11 @@ struct KernelSet {
     /// @param labels null, or receives 1 for each copied pixel and stays as it was elsewhere
     void (*copyAbove)(const unsigned char* image, int stride, int columns, int rows, const unsigned char* thresholds,
                       unsigned char* out, int* labels);
+
+    /// Copies an image.
+    /// @param maxima receives the largest pixel of each column
+    void (*copyWithMaxima)(const unsigned char* image, int width, int height, unsigned char* out,
+                           unsigned char* maxima);
 };
 
 /// The fastest set that the processor has and the build allows. Always the same one within a process.

@@ -7,6 +7,7 @@
 
 #include "kernels/lanes/ColumnMaxima.h"
 #include "kernels/lanes/CopyAbove.h"
+#include "kernels/lanes/CopyWithMaxima.h"
 #include "kernels/lanes/CutAndSum.h"
 #include "kernels/lanes/StripeStarts.h"
 #include "kernels/lanes/SumAbove.h"
@@ -16,7 +17,8 @@ namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 extern const KernelSet kTable;
 const KernelSet kTable = {
-    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove, findStripeStarts, cutAndSum, copyAbove,
+    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,
+    findStripeStarts,    cutAndSum,        copyAbove,       copyWithMaxima,
 };
 
 }  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET

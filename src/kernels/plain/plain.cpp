@@ -3,7 +3,7 @@
 namespace KORVANELASERALGO::kernels::plain {
 
 const KernelSet kTable = {
-    "plain", findColumnMaxima, findTransitions, sumAbove, findStripeStarts, cutAndSum, copyAbove,
+    "plain", findColumnMaxima, findTransitions, sumAbove, findStripeStarts, cutAndSum, copyAbove, copyWithMaxima,
 };
 
 }  // namespace KORVANELASERALGO::kernels::plain

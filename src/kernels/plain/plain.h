@@ -18,6 +18,7 @@ void findStripeStarts(const unsigned char* image, int width, int firstColumn, in
 void cutAndSum(unsigned char* image, int width, int height, int threshold, std::uint32_t* sums, float* moments);
 void copyAbove(const unsigned char* image, int stride, int columns, int rows, const unsigned char* thresholds,
                unsigned char* out, int* labels);
+void copyWithMaxima(const unsigned char* image, int width, int height, unsigned char* out, unsigned char* maxima);
 
 extern const KernelSet kTable;
 

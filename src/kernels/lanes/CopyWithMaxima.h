@@ -1,0 +1,27 @@
+// A copy, and the largest pixel of each column while the pixels are at hand.
+
+#ifndef KORVANE_KERNELS_LANES_COPYWITHMAXIMA_H
+#define KORVANE_KERNELS_LANES_COPYWITHMAXIMA_H
+
+#include "kernels/lanes/Blocks.h"
+
+namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
+
+inline void copyWithMaxima(const Byte* image, int width, int height, Byte* out, Byte* maxima) {
+    if (width < kLane) return plain::copyWithMaxima(image, width, height, out, maxima);
+    const int blocks = blocksOf(width);
+    for (int b = 0; b < blocks; ++b) Bytes::fill(0).store(maxima + Block(b, width).first);
+
+    for (int r = 0; r < height; ++r, image += width, out += width) {
+        for (int b = 0; b < blocks; ++b) {
+            const int first = Block(b, width).first;
+            const Bytes pixels = Bytes::load(image + first);
+            pixels.store(out + first);
+            max(pixels, Bytes::load(maxima + first)).store(maxima + first);
+        }
+    }
+}
+
+}  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET
+
+#endif  // KORVANE_KERNELS_LANES_COPYWITHMAXIMA_H
