@@ -3,13 +3,13 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdlib>
 #include <thread>
 #include <utility>
 #include <vector>
 
 #include "algo/ImageView.h"
 #include "image/image.h"
+#include "kernels/kernels.h"
 
 namespace KORVANELASERALGO::image {
 namespace {
@@ -18,18 +18,6 @@ namespace {
 std::vector<unsigned char>& previousFrame() {
     static std::vector<unsigned char> frame;
     return frame;
-}
-
-// Works on the pixels first .. end - 1, and keeps the current frame as the previous one.
-void stabilise(const unsigned char* current, unsigned char* previous, unsigned char* out, std::size_t first,
-               std::size_t end) {
-    for (std::size_t i = first; i < end; ++i) {
-        const int change = current[i] - previous[i];
-        const int steady = current[i] - std::abs(change);
-        const unsigned char grey = current[i];
-        out[i] = static_cast<unsigned char>(steady < 0 ? 0 : steady);
-        previous[i] = grey;
-    }
 }
 
 }  // namespace
@@ -53,9 +41,11 @@ void CalcImageBuffer(const AlgoContext& context, const unsigned char* current, u
     // meant. Should the second thread not start, leaving joins the first.
     const std::size_t half =
         static_cast<std::size_t>(rowsOf(context.roi) / 2) * static_cast<std::size_t>(columnsOf(context.roi));
-    const auto work = [&](std::size_t first, std::size_t end) { stabilise(current, previous.data(), out, first, end); };
-    std::jthread upper(work, 0, half);
-    std::jthread lower(work, half, 2 * half);
+    const auto work = [&](std::size_t first) {
+        kernels::active().subtractChange(current + first, half, previous.data() + first, out + first);
+    };
+    std::jthread upper(work, 0);
+    std::jthread lower(work, half);
     upper.join();
     lower.join();
 }

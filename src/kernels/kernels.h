@@ -97,6 +97,11 @@ struct KernelSet {
     /// @param maxima receives the largest pixel of each column
     void (*copyWithMaxima)(const unsigned char* image, int width, int height, unsigned char* out,
                            unsigned char* maxima);
+
+    /// Each pixel less its absolute change since the previous frame, at least 0. `out` may be `current`.
+    /// @param previous becomes the current frame
+    void (*subtractChange)(const unsigned char* current, std::size_t count, unsigned char* previous,
+                           unsigned char* out);
 };
 
 /// The fastest set that the processor has and the build allows. Always the same one within a process.

@@ -10,6 +10,7 @@
 #include "kernels/lanes/CopyWithMaxima.h"
 #include "kernels/lanes/CutAndSum.h"
 #include "kernels/lanes/StripeStarts.h"
+#include "kernels/lanes/SubtractChange.h"
 #include "kernels/lanes/SumAbove.h"
 #include "kernels/lanes/Transitions.h"
 
@@ -17,8 +18,8 @@ namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 extern const KernelSet kTable;
 const KernelSet kTable = {
-    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,
-    findStripeStarts,    cutAndSum,        copyAbove,       copyWithMaxima,
+    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,       findStripeStarts,
+    cutAndSum,           copyAbove,        copyWithMaxima,  subtractChange,
 };
 
 }  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET

@@ -3,7 +3,8 @@
 namespace KORVANELASERALGO::kernels::plain {
 
 const KernelSet kTable = {
-    "plain", findColumnMaxima, findTransitions, sumAbove, findStripeStarts, cutAndSum, copyAbove, copyWithMaxima,
+    "plain",   findColumnMaxima, findTransitions, sumAbove,       findStripeStarts,
+    cutAndSum, copyAbove,        copyWithMaxima,  subtractChange,
 };
 
 }  // namespace KORVANELASERALGO::kernels::plain

@@ -19,6 +19,7 @@ void cutAndSum(unsigned char* image, int width, int height, int threshold, std::
 void copyAbove(const unsigned char* image, int stride, int columns, int rows, const unsigned char* thresholds,
                unsigned char* out, int* labels);
 void copyWithMaxima(const unsigned char* image, int width, int height, unsigned char* out, unsigned char* maxima);
+void subtractChange(const unsigned char* current, std::size_t count, unsigned char* previous, unsigned char* out);
 
 extern const KernelSet kTable;
 
