@@ -1,7 +1,7 @@
 // AutoExposure: proposes the exposure at which the stripe's bright width meets a target, by the straight line through
 // the last two frames' widths (a secant step) or, at an unchanged exposure, by a fixed step.
 
-#include <algorithm>
+#include <bit>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -20,10 +20,12 @@ constexpr double kWidthTolerance = 0.2;       // pixels
 constexpr double kLeastShareOfColumns = 0.5;  // of the width, exclusive
 constexpr double kGuard = 1e-10;
 
-// The previous frame and its exposure, one for the process. The frame is empty, or as many pixels as it had; its shape
-// is not kept, so a frame of another shape but equal size is counted in the new columns. This is meant.
+// The previous frame and its exposure, one for the process. Of the frame, only which pixels were bright is ever asked.
+// It has no pixels, or as many as it had; its shape is not kept, so a frame of another shape but equal size is counted
+// in the new columns. This is meant.
 struct PreviousFrame {
-    std::vector<unsigned char> pixels;
+    std::vector<std::uint64_t> brightPixels;  // marks
+    std::size_t pixels = 0;
     double exposure = 1.0;
 };
 
@@ -34,11 +36,11 @@ PreviousFrame& previousFrame() {
 
 // May fail to allocate, and leaves everything as it was then.
 void store(PreviousFrame& previous, const ImageView& image, std::size_t pixels, double exposure) {
-    if (previous.pixels.size() == pixels) {
-        std::copy_n(image.bytes, pixels, previous.pixels.begin());
-    } else {
-        previous.pixels = std::vector<unsigned char>(image.bytes, image.bytes + pixels);
+    if (previous.pixels != pixels) {
+        previous.brightPixels = std::vector<std::uint64_t>(kernels::wordsOf(pixels));
+        previous.pixels = pixels;
     }
+    kernels::active().markAbove(image.bytes, pixels, kBright, previous.brightPixels.data());
     previous.exposure = exposure;
 }
 
@@ -48,16 +50,12 @@ struct BrightWidth {
     double mean;           // bright rows of those columns; 0 without any
 };
 
-BrightWidth measureBrightWidth(const ImageView& image) {
-    std::vector<kernels::ColumnSum> bright(static_cast<std::size_t>(image.width), {0, 0});
-    kernels::active().sumAbove(image.bytes, image.width, image.height, kBright, bright.data());
+BrightWidth measureBrightWidth(const PreviousFrame& frame, int width, int height) {
+    std::vector<std::uint64_t> stripe(static_cast<std::size_t>(kernels::blocksOf(width)) + 1);
+    const std::uint64_t pixels = kernels::active().countMarks(frame.brightPixels.data(), width, height, stripe.data());
 
-    std::int64_t pixels = 0;
     std::int64_t columns = 0;
-    for (const kernels::ColumnSum& column : bright) {
-        pixels += column.count;
-        columns += column.count > 0 ? 1 : 0;
-    }
+    for (const std::uint64_t marks : stripe) columns += std::popcount(marks);
     return {columns, columns == 0 ? 0.0 : static_cast<double>(pixels) / static_cast<double>(columns)};
 }
 
@@ -73,13 +71,13 @@ bool AutoExposure(const AlgoContext& context, const unsigned char* image, double
                   double minExposure, double maxExposure, double step, bool enable, double& newExposure) {
     PreviousFrame& previous = previousFrame();
     if (!enable) {
-        previous.pixels.clear();
+        previous.pixels = 0;
         return false;
     }
 
     const ImageView view(context.roi, image);
     const std::size_t pixels = pixelsOf(context.roi);
-    if (previous.pixels.size() != pixels) {
+    if (previous.pixels != pixels) {
         store(previous, view, pixels, exposure);
         return false;
     }
@@ -88,9 +86,9 @@ bool AutoExposure(const AlgoContext& context, const unsigned char* image, double
     const double change = exposure - exposureBefore;
     if (!(kExposureChange > std::fabs(change))) {
         // The line of width against exposure through both frames, solved for the target.
-        const BrightWidth before = measureBrightWidth(ImageView(context.roi, previous.pixels.data()));
-        const BrightWidth now = measureBrightWidth(view);
+        const BrightWidth before = measureBrightWidth(previous, view.width, view.height);
         store(previous, view, pixels, exposure);
+        const BrightWidth now = measureBrightWidth(previous, view.width, view.height);
         if (before.columns == 0 || now.columns == 0) return false;
 
         const double slope = (now.mean - before.mean) / (change + kGuard);
@@ -102,8 +100,8 @@ bool AutoExposure(const AlgoContext& context, const unsigned char* image, double
     }
 
     // A fixed step up or down. A stripe that shows in too few columns raises the exposure, unless it is too wide.
-    const BrightWidth now = measureBrightWidth(view);
     store(previous, view, pixels, exposure);
+    const BrightWidth now = measureBrightWidth(previous, view.width, view.height);
     const double difference = now.mean - target;
     const bool wideEnough = static_cast<double>(now.columns) > view.width * kLeastShareOfColumns;
     double proposal = exposure;

@@ -28,6 +28,11 @@ inline constexpr int blocksOf(int width) {
     return width / kBlockColumns + (width % kBlockColumns != 0 ? 1 : 0);
 }
 
+/// Words that hold one bit for each of `count` pixels.
+inline constexpr std::size_t wordsOf(std::size_t count) {
+    return count / 64 + (count % 64 != 0 ? 1 : 0);
+}
+
 /// Where a column becomes bright or dark: the first pixel of the new kind. Above row 0 everything is dark.
 struct Transition {
     std::int32_t column;
@@ -102,6 +107,17 @@ struct KernelSet {
     /// @param previous becomes the current frame
     void (*subtractChange)(const unsigned char* current, std::size_t count, unsigned char* previous,
                            unsigned char* out);
+
+    // ---- marks: one bit for each pixel of an image, in the order of the pixels, the first one in the lowest bit ----
+
+    /// Marks the pixels above `level`.
+    /// @param marks receives wordsOf(count) words; the bits of the last one that belong to no pixel are 0
+    void (*markAbove)(const unsigned char* pixels, std::size_t count, unsigned char level, std::uint64_t* marks);
+
+    /// Finds the columns that have a marked pixel.
+    /// @param columns receives one bit for each column, as marks do; blocksOf(width) + 1 words
+    /// @return the number of marked pixels
+    std::uint64_t (*countMarks)(const std::uint64_t* marks, int width, int height, std::uint64_t* columns);
 };
 
 /// The fastest set that the processor has and the build allows. Always the same one within a process.

@@ -189,6 +189,18 @@ inline bool anyAbove(const Bytes& a, const Bytes& b) {
     return !isZero(excess);
 }
 
+/// Number of set bits.
+inline int bitsOf(Mask mask) {
+#if KORVANE_KERNEL_LEVEL > 1
+    return static_cast<int>(_mm_popcnt_u64(mask));
+#else
+    mask -= mask >> 1 & 0x5555555555555555u;
+    mask = (mask & 0x3333333333333333u) + (mask >> 2 & 0x3333333333333333u);
+    mask = (mask + (mask >> 4)) & 0x0f0f0f0f0f0f0f0fu;
+    return static_cast<int>(mask * 0x0101010101010101u >> 56);
+#endif
+}
+
 /// Index of the lowest set bit; the mask is not empty.
 inline int lowestBit(Mask mask) {
 #if defined(_MSC_VER) && !defined(__clang__)

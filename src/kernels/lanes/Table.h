@@ -9,6 +9,7 @@
 #include "kernels/lanes/CopyAbove.h"
 #include "kernels/lanes/CopyWithMaxima.h"
 #include "kernels/lanes/CutAndSum.h"
+#include "kernels/lanes/Marks.h"
 #include "kernels/lanes/StripeStarts.h"
 #include "kernels/lanes/SubtractChange.h"
 #include "kernels/lanes/SumAbove.h"
@@ -18,8 +19,8 @@ namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 extern const KernelSet kTable;
 const KernelSet kTable = {
-    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,       findStripeStarts,
-    cutAndSum,           copyAbove,        copyWithMaxima,  subtractChange,
+    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,  findStripeStarts, cutAndSum,
+    copyAbove,           copyWithMaxima,   subtractChange,  markAbove, countMarks,
 };
 
 }  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET

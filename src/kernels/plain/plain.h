@@ -20,6 +20,8 @@ void copyAbove(const unsigned char* image, int stride, int columns, int rows, co
                unsigned char* out, int* labels);
 void copyWithMaxima(const unsigned char* image, int width, int height, unsigned char* out, unsigned char* maxima);
 void subtractChange(const unsigned char* current, std::size_t count, unsigned char* previous, unsigned char* out);
+void markAbove(const unsigned char* pixels, std::size_t count, unsigned char level, std::uint64_t* marks);
+std::uint64_t countMarks(const std::uint64_t* marks, int width, int height, std::uint64_t* columns);
 
 extern const KernelSet kTable;
 
