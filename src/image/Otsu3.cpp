@@ -9,6 +9,7 @@
 
 #include "algo/ImageView.h"
 #include "image/image.h"
+#include "kernels/kernels.h"
 
 namespace KORVANELASERALGO::image {
 namespace {
@@ -75,38 +76,61 @@ void maskBand(int width, int height, BlobMask& mask) {
     mask.bandEndRow = std::min(centreRow + height / 6, height / 2);
 }
 
-struct GreyRange {
-    unsigned char largest = 0;
-    unsigned char smallest = 255;
+// The grey range of each column, and then its threshold in the place of `largest`. Shared by the threads, each of which
+// has its own columns.
+struct GreyRanges {
+    std::vector<unsigned char> smallest;
+    std::vector<unsigned char> largest;
+
+    explicit GreyRanges(std::size_t columns) : smallest(columns, 255), largest(columns, 0) {}
+
+    // By the columns [firstColumn, endColumn) of the rows [firstRow, endRow); there may be none.
+    void widen(const ImageView& src, int firstColumn, int endColumn, int firstRow, int endRow) {
+        if (firstColumn >= endColumn || firstRow >= endRow) return;
+        kernels::active().widenRanges(src.row(firstRow) + firstColumn, src.width, endColumn - firstColumn,
+                                      endRow - firstRow, &smallest[static_cast<std::size_t>(firstColumn)],
+                                      &largest[static_cast<std::size_t>(firstColumn)]);
+    }
 };
 
-// Thresholds the columns firstColumn .. endColumn - 1. `ranges` has one entry per column of the image.
-void thresholdColumns(const ImageView& src, const BlobMask& mask, int firstColumn, int endColumn, GreyRange* ranges,
+// The grey range of each column outside the mask.
+void findRanges(const ImageView& src, const BlobMask& mask, int firstColumn, int endColumn, GreyRanges& ranges) {
+    const auto widenOutsideBand = [&](int first, int end, int firstRow, int endRow) {
+        const int bandFirstColumn = std::clamp(mask.bandFirstColumn, first, end);
+        const int bandEndColumn = std::clamp(mask.bandEndColumn, bandFirstColumn, end);
+        const int bandEndRow = std::clamp(mask.bandEndRow, firstRow, endRow);
+        ranges.widen(src, first, bandFirstColumn, firstRow, bandEndRow);
+        ranges.widen(src, bandEndColumn, end, firstRow, bandEndRow);
+        ranges.widen(src, first, end, bandEndRow, endRow);
+    };
+
+    // Beside the blob by columns of one run length, and below it all together.
+    const std::vector<int>& runs = mask.topRuns;
+    int blobEndRow = 0;
+    for (int c = firstColumn; c < endColumn; ++c) blobEndRow = std::max(blobEndRow, runs[static_cast<std::size_t>(c)]);
+    for (int c = firstColumn; c < endColumn && blobEndRow > 0;) {
+        const int first = c;
+        const int run = runs[static_cast<std::size_t>(first)];
+        while (c < endColumn && runs[static_cast<std::size_t>(c)] == run) ++c;
+        widenOutsideBand(first, c, run, blobEndRow);
+    }
+    widenOutsideBand(firstColumn, endColumn, blobEndRow, src.height);
+}
+
+// Thresholds the columns firstColumn .. endColumn - 1.
+void thresholdColumns(const ImageView& src, const BlobMask& mask, int firstColumn, int endColumn, GreyRanges& ranges,
                       unsigned char* out, int* labels) {
-    // The grey range of each column outside the mask.
-    for (int r = 0; r < src.height; ++r) {
-        const unsigned char* row = src.row(r);
-        const bool inBand = r < mask.bandEndRow;
-        for (int c = firstColumn; c < endColumn; ++c) {
-            if (r < mask.topRuns[static_cast<std::size_t>(c)]) continue;
-            if (inBand && c >= mask.bandFirstColumn && c < mask.bandEndColumn) continue;
-            ranges[c].largest = std::max(ranges[c].largest, row[c]);
-            ranges[c].smallest = std::min(ranges[c].smallest, row[c]);
-        }
+    findRanges(src, mask, firstColumn, endColumn, ranges);
+    for (std::size_t c = static_cast<std::size_t>(firstColumn); c < static_cast<std::size_t>(endColumn); ++c) {
+        const int smallest = ranges.smallest[c];
+        const int largest = ranges.largest[c];
+        ranges.largest[c] = static_cast<unsigned char>(std::max(smallest + (largest - smallest) / 2, kThresholdFloor));
     }
 
     // Masked pixels are selected like any other.
-    for (int r = 0; r < src.height; ++r) {
-        const std::ptrdiff_t start = static_cast<std::ptrdiff_t>(r) * src.width;
-        const unsigned char* row = src.row(r);
-        for (int c = firstColumn; c < endColumn; ++c) {
-            const int largest = ranges[c].largest;
-            const int smallest = ranges[c].smallest;
-            if (row[c] <= std::max(smallest + (largest - smallest) / 2, kThresholdFloor)) continue;
-            out[start + c] = row[c];
-            labels[start + c] = 1;
-        }
-    }
+    const unsigned char* thresholds = ranges.largest.data() + firstColumn;
+    kernels::active().copyAbove(src.bytes + firstColumn, src.width, endColumn - firstColumn, src.height, thresholds,
+                                out + firstColumn, labels + firstColumn);
 }
 
 }  // namespace
@@ -115,7 +139,7 @@ void Otsu3(const AlgoContext& context, unsigned char* out, int* labels, unsigned
     const MutableImageView image(context.roi, src);
     BlobMask mask;
     mask.topRuns.assign(static_cast<std::size_t>(image.width), 0);
-    std::vector<GreyRange> ranges(static_cast<std::size_t>(image.width));
+    GreyRanges ranges(static_cast<std::size_t>(image.width));
 
     // The blob, on the calling thread.
     measureTopRuns(image, mask.topRuns);
@@ -130,7 +154,7 @@ void Otsu3(const AlgoContext& context, unsigned char* out, int* labels, unsigned
     std::array<std::thread, kThreads> threads;
     for (int t = 0; t < kThreads; ++t) {
         threads[static_cast<std::size_t>(t)] = std::thread(
-            [&, t] { thresholdColumns(cleaned, mask, t * quarter, (t + 1) * quarter, ranges.data(), out, labels); });
+            [&, t] { thresholdColumns(cleaned, mask, t * quarter, (t + 1) * quarter, ranges, out, labels); });
     }
     for (std::thread& thread : threads) thread.join();
 }

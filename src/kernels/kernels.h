@@ -98,6 +98,12 @@ struct KernelSet {
     void (*copyAbove)(const unsigned char* image, int stride, int columns, int rows, const unsigned char* thresholds,
                       unsigned char* out, int* labels);
 
+    /// Widens, for each column of a part of an image that is `stride` pixels wide, a range of grey levels to hold its
+    /// pixels.
+    /// @param smallest, largest one per column of the part
+    void (*widenRanges)(const unsigned char* image, int stride, int columns, int rows, unsigned char* smallest,
+                        unsigned char* largest);
+
     /// Copies an image.
     /// @param maxima receives the largest pixel of each column
     void (*copyWithMaxima)(const unsigned char* image, int width, int height, unsigned char* out,

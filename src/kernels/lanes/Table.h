@@ -9,6 +9,7 @@
 #include "kernels/lanes/CopyAbove.h"
 #include "kernels/lanes/CopyWithMaxima.h"
 #include "kernels/lanes/CutAndSum.h"
+#include "kernels/lanes/GreyRanges.h"
 #include "kernels/lanes/Marks.h"
 #include "kernels/lanes/StripeStarts.h"
 #include "kernels/lanes/SubtractChange.h"
@@ -19,8 +20,8 @@ namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 extern const KernelSet kTable;
 const KernelSet kTable = {
-    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,  findStripeStarts, cutAndSum,
-    copyAbove,           copyWithMaxima,   subtractChange,  markAbove, countMarks,
+    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,       findStripeStarts, cutAndSum,
+    copyAbove,           widenRanges,      copyWithMaxima,  subtractChange, markAbove,        countMarks,
 };
 
 }  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET

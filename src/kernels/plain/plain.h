@@ -18,6 +18,8 @@ void findStripeStarts(const unsigned char* image, int width, int firstColumn, in
 void cutAndSum(unsigned char* image, int width, int height, int threshold, std::uint32_t* sums, float* moments);
 void copyAbove(const unsigned char* image, int stride, int columns, int rows, const unsigned char* thresholds,
                unsigned char* out, int* labels);
+void widenRanges(const unsigned char* image, int stride, int columns, int rows, unsigned char* smallest,
+                 unsigned char* largest);
 void copyWithMaxima(const unsigned char* image, int width, int height, unsigned char* out, unsigned char* maxima);
 void subtractChange(const unsigned char* current, std::size_t count, unsigned char* previous, unsigned char* out);
 void markAbove(const unsigned char* pixels, std::size_t count, unsigned char level, std::uint64_t* marks);
