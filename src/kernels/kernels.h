@@ -48,6 +48,21 @@ struct ColumnSum {
 /// Marks a column in which no stripe starts.
 inline constexpr int kNoStripe = -1;
 
+/// Pixel = focal length * normalised image coordinate + principal point, for x and y.
+struct Pinhole {
+    double fx, cx;
+    double fy, cy;
+};
+
+/// Brown-Conrady: radial k1, k2, k3, tangential p1, p2.
+struct LensDistortion {
+    double k1, k2, p1, p2, k3;
+};
+
+/// Of the iteration that inverts the distortion. Fixed, so that the cost of a point is constant; nothing tests for
+/// convergence. This is meant.
+inline constexpr int kUndistortRounds = 5;
+
 struct KernelSet {
     const char* name;
 
@@ -124,6 +139,11 @@ struct KernelSet {
     /// @param columns receives one bit for each column, as marks do; blocksOf(width) + 1 words
     /// @return the number of marked pixels
     std::uint64_t (*countMarks)(const std::uint64_t* marks, int width, int height, std::uint64_t* columns);
+
+    // ---- points, as x0 y0 x1 y1 ... in pixels ----
+
+    /// Replaces distorted points by undistorted ones, by kUndistortRounds rounds of a fixed-point iteration.
+    void (*undistort)(const Pinhole& camera, const LensDistortion& lens, double* points, std::size_t count);
 };
 
 /// The fastest set that the processor has and the build allows. Always the same one within a process.

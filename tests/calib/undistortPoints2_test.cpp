@@ -105,6 +105,16 @@ TEST(undistortPoints2, EveryPointFollowsTheIterationBitForBit) {
     EXPECT_TRUE(sameBits(undistorted(kLens, manyPoints()), expected));
 }
 
+TEST(undistortPoints2, AnyNumberOfPointsFollowsTheIterationBitForBit) {
+    const Points2d all = manyPoints();
+    for (int count = 0; count <= 100; ++count) {
+        const Points2d points(all.begin(), all.begin() + count);
+        Points2d expected;
+        for (const Point2d& point : points) expected.push_back(iterated(kLens, point, 5));
+        EXPECT_TRUE(sameBits(undistorted(kLens, points), expected)) << count << " points";
+    }
+}
+
 TEST(undistortPoints2, StrongTangentialTermsFollowTheIterationBitForBit) {
     const Lens lens{.k1 = 0.2, .k2 = -0.1, .p1 = 0.17, .p2 = -0.23, .k3 = 0.05};
     Points2d points;

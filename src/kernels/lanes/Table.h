@@ -15,13 +15,14 @@
 #include "kernels/lanes/SubtractChange.h"
 #include "kernels/lanes/SumAbove.h"
 #include "kernels/lanes/Transitions.h"
+#include "kernels/lanes/Undistort.h"
 
 namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 extern const KernelSet kTable;
 const KernelSet kTable = {
-    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,       findStripeStarts, cutAndSum,
-    copyAbove,           widenRanges,      copyWithMaxima,  subtractChange, markAbove,        countMarks,
+    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,  findStripeStarts, cutAndSum, copyAbove,
+    widenRanges,         copyWithMaxima,   subtractChange,  markAbove, countMarks,       undistort,
 };
 
 }  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET

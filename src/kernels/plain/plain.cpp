@@ -3,8 +3,8 @@
 namespace KORVANELASERALGO::kernels::plain {
 
 const KernelSet kTable = {
-    "plain",   findColumnMaxima, findTransitions, sumAbove,       findStripeStarts, cutAndSum,
-    copyAbove, widenRanges,      copyWithMaxima,  subtractChange, markAbove,        countMarks,
+    "plain",     findColumnMaxima, findTransitions, sumAbove,  findStripeStarts, cutAndSum, copyAbove,
+    widenRanges, copyWithMaxima,   subtractChange,  markAbove, countMarks,       undistort,
 };
 
 }  // namespace KORVANELASERALGO::kernels::plain
