@@ -63,6 +63,18 @@ struct LensDistortion {
 /// convergence. This is meant.
 inline constexpr int kUndistortRounds = 5;
 
+/// From pixels to points of an output frame: a line of sight meets a light surface at a depth Z in the camera frame.
+struct LightSheet {
+    Pinhole camera;
+    double lowerBound;  ///< of x, pixels; a point at or below it is rejected
+    double upperBound;  ///< of x, pixels; a point at or above it is rejected
+    double surface[6];  ///< Z = c0 + c1 X + c2 Y + c3 X^2 + c4 X Y + c5 Y^2
+    double rt[12];      ///< a rotation row by row, then a translation
+};
+
+/// The first depth of a second-order surface is taken up to here, in single precision; length units.
+inline constexpr float kLargestDepth = 3500.0f;
+
 struct KernelSet {
     const char* name;
 
@@ -144,6 +156,17 @@ struct KernelSet {
 
     /// Replaces distorted points by undistorted ones, by kUndistortRounds rounds of a fixed-point iteration.
     void (*undistort)(const Pinhole& camera, const LensDistortion& lens, double* points, std::size_t count);
+
+    /// Meets the plane Z = c0 + c1 X + c2 Y. A line of sight in the plane divides by zero: it is not guarded.
+    /// @param found one per point; where it is false the point is rejected
+    /// @param points3d receives x y z of every point, 0.0 for rejected ones
+    void (*meetPlane)(const LightSheet& sheet, const bool* found, const double* points, std::size_t count,
+                      double* points3d);
+
+    /// Meets the second-order surface. Its depths are rounded to single precision, and the second root is taken as it
+    /// is when the first lies outside 0 .. kLargestDepth.
+    void (*meetSurface)(const LightSheet& sheet, const bool* found, const double* points, std::size_t count,
+                        double* points3d);
 };
 
 /// The fastest set that the processor has and the build allows. Always the same one within a process.

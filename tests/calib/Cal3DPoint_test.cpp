@@ -149,6 +149,25 @@ TEST_P(Cal3DPoint, UnmarkedColumnYieldsTheEmptyPoint) {
     EXPECT_EQ(mask.marked(), (std::vector<int>{0, 2}));
 }
 
+TEST_P(Cal3DPoint, AnyNumberOfColumnsYieldsItsPoints) {
+    for (int width = 1; width <= 100; ++width) {
+        setRoi(algo_, width, 1);
+        setCalibration();
+        Mask mask(width);
+        Points2d points;
+        Profile expected;
+        for (int c = 0; c < width; ++c) {
+            mask[c] = c % 3 != 1 && c % 11 != 0;
+            points.push_back({static_cast<double>(c % 7 == 6 ? width : c), 1});  // some beyond the upper bound
+            const double u = points.back().x;
+            expected.push_back(mask[c] && u < width ? Point3d{2 * u, 2, 2} : kEmptyPoint);
+        }
+        Profile profile(static_cast<std::size_t>(width), Point3d{-7, -7, -7});
+        convert(mask, points, profile);
+        EXPECT_TRUE(sameBits(profile, expected)) << width << " columns";
+    }
+}
+
 TEST_P(Cal3DPoint, WidthBelowOneEmptiesTheProfile) {
     for (int width : {0, -1, -640, kIntMin}) {
         setRoi(algo_, width, 480);

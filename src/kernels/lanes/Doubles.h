@@ -16,6 +16,7 @@ namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 #if KORVANE_KERNEL_LEVEL == 3
 using DoubleRegister = __m512d;
 using FlagRegister = __mmask8;
+inline constexpr FlagRegister kAll = 0xff;  // for operations whose plain form GCC 12 takes for a use before setting
 inline DoubleRegister fillDoubles(double value) {
     return _mm512_set1_pd(value);
 }
@@ -32,10 +33,13 @@ inline DoubleRegister divide(DoubleRegister a, DoubleRegister b) {
     return _mm512_div_pd(a, b);
 }
 inline DoubleRegister squareRoot(DoubleRegister a) {
-    return _mm512_sqrt_pd(a);
+    return _mm512_maskz_sqrt_pd(kAll, a);
+}
+inline DoubleRegister negated(DoubleRegister a) {
+    return _mm512_xor_pd(a, fillDoubles(-0.0));
 }
 inline DoubleRegister throughSingle(DoubleRegister a) {
-    return _mm512_cvtps_pd(_mm512_cvtpd_ps(a));
+    return _mm512_maskz_cvtps_pd(kAll, _mm512_maskz_cvtpd_ps(kAll, a));
 }
 inline FlagRegister below(DoubleRegister a, DoubleRegister b) {
     return _mm512_cmp_pd_mask(a, b, _CMP_LT_OQ);
@@ -50,8 +54,8 @@ inline FlagRegister both(FlagRegister a, FlagRegister b) {
 inline FlagRegister either(FlagRegister a, FlagRegister b) {
     return static_cast<FlagRegister>(a | b);
 }
-inline bool anyFlag(FlagRegister flags) {
-    return flags != 0;
+inline bool allFlags(FlagRegister flags) {
+    return flags == kAll;
 }
 inline DoubleRegister choose(FlagRegister flags, DoubleRegister yes, DoubleRegister no) {
     return _mm512_mask_blend_pd(flags, no, yes);
@@ -96,6 +100,9 @@ inline DoubleRegister divide(DoubleRegister a, DoubleRegister b) {
 inline DoubleRegister squareRoot(DoubleRegister a) {
     return _mm256_sqrt_pd(a);
 }
+inline DoubleRegister negated(DoubleRegister a) {
+    return _mm256_xor_pd(a, fillDoubles(-0.0));
+}
 inline DoubleRegister throughSingle(DoubleRegister a) {
     return _mm256_cvtps_pd(_mm256_cvtpd_ps(a));
 }
@@ -114,8 +121,8 @@ inline FlagRegister both(FlagRegister a, FlagRegister b) {
 inline FlagRegister either(FlagRegister a, FlagRegister b) {
     return _mm256_or_pd(a, b);
 }
-inline bool anyFlag(FlagRegister flags) {
-    return _mm256_movemask_pd(flags) != 0;
+inline bool allFlags(FlagRegister flags) {
+    return _mm256_movemask_pd(flags) == 0xf;
 }
 inline DoubleRegister choose(FlagRegister flags, DoubleRegister yes, DoubleRegister no) {
     return _mm256_blendv_pd(no, yes, flags);
@@ -162,6 +169,9 @@ inline DoubleRegister divide(DoubleRegister a, DoubleRegister b) {
 inline DoubleRegister squareRoot(DoubleRegister a) {
     return _mm_sqrt_pd(a);
 }
+inline DoubleRegister negated(DoubleRegister a) {
+    return _mm_xor_pd(a, fillDoubles(-0.0));
+}
 inline DoubleRegister throughSingle(DoubleRegister a) {
     return _mm_cvtps_pd(_mm_cvtpd_ps(a));
 }
@@ -178,8 +188,8 @@ inline FlagRegister both(FlagRegister a, FlagRegister b) {
 inline FlagRegister either(FlagRegister a, FlagRegister b) {
     return _mm_or_pd(a, b);
 }
-inline bool anyFlag(FlagRegister flags) {
-    return _mm_movemask_pd(flags) != 0;
+inline bool allFlags(FlagRegister flags) {
+    return _mm_movemask_pd(flags) == 0x3;
 }
 inline DoubleRegister choose(FlagRegister flags, DoubleRegister yes, DoubleRegister no) {
     return _mm_or_pd(_mm_and_pd(flags, yes), _mm_andnot_pd(flags, no));
@@ -246,6 +256,9 @@ inline Doubles operator/(const Doubles& a, const Doubles& b) {
 inline Doubles squareRoot(const Doubles& a) {
     return Doubles::make([&](int i) { return squareRoot(a.part[i]); });
 }
+inline Doubles negated(const Doubles& a) {
+    return Doubles::make([&](int i) { return negated(a.part[i]); });
+}
 /// Rounded to single precision and widened again.
 inline Doubles throughSingle(const Doubles& a) {
     return Doubles::make([&](int i) { return throughSingle(a.part[i]); });
@@ -263,10 +276,10 @@ inline DoubleFlags operator&(const DoubleFlags& a, const DoubleFlags& b) {
 inline DoubleFlags operator|(const DoubleFlags& a, const DoubleFlags& b) {
     return DoubleFlags::make([&](int i) { return either(a.part[i], b.part[i]); });
 }
-inline bool anyOf(const DoubleFlags& flags) {
-    FlagRegister any = flags.part[0];
-    for (int i = 1; i < kDoubleRegisters; ++i) any = either(any, flags.part[i]);
-    return anyFlag(any);
+inline bool allOf(const DoubleFlags& flags) {
+    FlagRegister all = flags.part[0];
+    for (int i = 1; i < kDoubleRegisters; ++i) all = both(all, flags.part[i]);
+    return allFlags(all);
 }
 inline Doubles choose(const DoubleFlags& flags, const Doubles& yes, const Doubles& no) {
     return Doubles::make([&](int i) { return choose(flags.part[i], yes.part[i], no.part[i]); });

@@ -10,6 +10,7 @@
 #include "kernels/lanes/CopyWithMaxima.h"
 #include "kernels/lanes/CutAndSum.h"
 #include "kernels/lanes/GreyRanges.h"
+#include "kernels/lanes/LightSheet.h"
 #include "kernels/lanes/Marks.h"
 #include "kernels/lanes/StripeStarts.h"
 #include "kernels/lanes/SubtractChange.h"
@@ -21,8 +22,9 @@ namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 extern const KernelSet kTable;
 const KernelSet kTable = {
-    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,  findStripeStarts, cutAndSum, copyAbove,
-    widenRanges,         copyWithMaxima,   subtractChange,  markAbove, countMarks,       undistort,
+    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,       findStripeStarts,
+    cutAndSum,           copyAbove,        widenRanges,     copyWithMaxima, subtractChange,
+    markAbove,           countMarks,       undistort,       meetPlane,      meetSurface,
 };
 
 }  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET

@@ -3,8 +3,9 @@
 namespace KORVANELASERALGO::kernels::plain {
 
 const KernelSet kTable = {
-    "plain",     findColumnMaxima, findTransitions, sumAbove,  findStripeStarts, cutAndSum, copyAbove,
-    widenRanges, copyWithMaxima,   subtractChange,  markAbove, countMarks,       undistort,
+    "plain",   findColumnMaxima, findTransitions, sumAbove,       findStripeStarts,
+    cutAndSum, copyAbove,        widenRanges,     copyWithMaxima, subtractChange,
+    markAbove, countMarks,       undistort,       meetPlane,      meetSurface,
 };
 
 }  // namespace KORVANELASERALGO::kernels::plain

@@ -25,6 +25,8 @@ void subtractChange(const unsigned char* current, std::size_t count, unsigned ch
 void markAbove(const unsigned char* pixels, std::size_t count, unsigned char level, std::uint64_t* marks);
 std::uint64_t countMarks(const std::uint64_t* marks, int width, int height, std::uint64_t* columns);
 void undistort(const Pinhole& camera, const LensDistortion& lens, double* points, std::size_t count);
+void meetPlane(const LightSheet& sheet, const bool* found, const double* points, std::size_t count, double* points3d);
+void meetSurface(const LightSheet& sheet, const bool* found, const double* points, std::size_t count, double* points3d);
 
 extern const KernelSet kTable;
 
