@@ -32,14 +32,22 @@ struct LinearSystem {
     std::vector<double> b;
 };
 
-// Sums of powers over the samples: A(i, j) = sum of x^(i + j), b(i) = sum of x^i y. Each power is taken once, by the
-// library function on the exponent; no running product is kept.
+// The library's function on the exponent. It gives 1 and x for the exponents 0 and 1, whatever x is: its error before
+// the last rounding is far below half a unit, so what needs no rounding comes out as it is.
+double powerOf(double x, std::size_t exponent) {
+    if (exponent == 0) return 1.0;
+    if (exponent == 1) return x;
+    return std::pow(x, static_cast<double>(exponent));
+}
+
+// Sums of powers over the samples: A(i, j) = sum of x^(i + j), b(i) = sum of x^i y. Each power is taken once and
+// goes into both; no running product is kept.
 LinearSystem normalEquations(const std::vector<double>& x, const std::vector<double>& y, std::size_t order) {
     LinearSystem system(order);
     std::vector<double> powerSums(order == 0 ? 0 : 2 * order - 1, 0.0);
-    for (std::size_t k = 0; k < x.size(); ++k) {
-        for (std::size_t e = 0; e < powerSums.size(); ++e) {
-            const double power = std::pow(x[k], static_cast<double>(e));
+    for (std::size_t e = 0; e < powerSums.size(); ++e) {
+        for (std::size_t k = 0; k < x.size(); ++k) {
+            const double power = powerOf(x[k], e);
             powerSums[e] += power;
             if (e < order) system.b[e] += power * y[k];
         }
