@@ -21,22 +21,21 @@ constexpr double kSmallestDivisor = 1e-20;
 
 }  // namespace
 
-Matrix::Matrix(std::int32_t rowCount, std::int32_t colCount) {
-    allocate(std::abs(rowCount), std::abs(colCount));
-}
-
-Matrix::~Matrix() {
-    release();
-}
-
 Matrix::Matrix(const Matrix& other) {
     *this = other;
 }
 
-Matrix::Matrix(Matrix&& other) noexcept
-    : data(std::exchange(other.data, nullptr)),
-      rows(std::exchange(other.rows, 0)),
-      cols(std::exchange(other.cols, 0)) {}
+Matrix::Matrix(Matrix&& other) noexcept {
+    if (other.data == nullptr || other.data == other.innerRows_) {
+        // Fits into this matrix, so nothing is allocated.
+        *this = other;
+        other.release();
+    } else {
+        data = std::exchange(other.data, nullptr);
+        rows = std::exchange(other.rows, 0);
+        cols = std::exchange(other.cols, 0);
+    }
+}
 
 Matrix& Matrix::operator=(const Matrix& other) {
     if (this == &other) return *this;
@@ -48,7 +47,7 @@ Matrix& Matrix::operator=(const Matrix& other) {
     return *this;
 }
 
-void Matrix::allocate(std::int32_t rowCount, std::int32_t colCount) {
+void Matrix::allocateBlock(std::int32_t rowCount, std::int32_t colCount) {
     if (rowCount > 0 && colCount > 0) {
         const std::size_t count = static_cast<std::size_t>(rowCount) * static_cast<std::size_t>(colCount);
         auto block = std::make_unique<double[]>(count);
@@ -60,14 +59,9 @@ void Matrix::allocate(std::int32_t rowCount, std::int32_t colCount) {
     cols = colCount;
 }
 
-void Matrix::release() {
-    if (data != nullptr) {
-        delete[] data[0];
-        delete[] data;
-    }
-    data = nullptr;
-    rows = 0;
-    cols = 0;
+void Matrix::releaseBlock() {
+    delete[] data[0];
+    delete[] data;
 }
 
 // The loops below do not touch the elements of an empty matrix, for it has no row or no column.

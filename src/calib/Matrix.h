@@ -7,6 +7,7 @@
 #define KORVANE_CALIB_MATRIX_H
 
 #include <cstdint>
+#include <cstdlib>
 
 namespace KORVANELASERALGO::calib {
 
@@ -18,8 +19,8 @@ public:
     std::int32_t cols = 0;    ///< never negative
 
     /// All zero. A negative count is made positive.
-    Matrix(std::int32_t rowCount, std::int32_t colCount);
-    ~Matrix();
+    Matrix(std::int32_t rowCount, std::int32_t colCount) { allocate(std::abs(rowCount), std::abs(colCount)); }
+    ~Matrix() { release(); }
     Matrix(const Matrix& other);
     Matrix(Matrix&& other) noexcept;
     Matrix& operator=(const Matrix& other);
@@ -37,8 +38,30 @@ public:
     friend Matrix cross(const Matrix& a, const Matrix& b);
 
 private:
-    void allocate(std::int32_t rowCount, std::int32_t colCount);
-    void release();
+    static constexpr std::int32_t kInnerRows = 3;
+    static constexpr std::int32_t kInnerCols = 3;
+
+    // The matrix is empty before.
+    void allocate(std::int32_t rowCount, std::int32_t colCount) {
+        if (rowCount > kInnerRows || colCount > kInnerCols) return allocateBlock(rowCount, colCount);
+        if (rowCount > 0 && colCount > 0) data = innerRows_;
+        for (double& element : innerElements_) element = 0.0;
+        for (std::int32_t i = 0; i < kInnerRows; ++i) innerRows_[i] = innerElements_ + i * colCount;
+        rows = rowCount;
+        cols = colCount;
+    }
+    void release() {
+        if (data != nullptr && data != innerRows_) releaseBlock();
+        data = nullptr;
+        rows = 0;
+        cols = 0;
+    }
+    void allocateBlock(std::int32_t rowCount, std::int32_t colCount);
+    void releaseBlock();
+
+    // A matrix that fits, such as all of the plane-aligning transform, needs no memory beside itself.
+    double* innerRows_[kInnerRows];
+    double innerElements_[kInnerRows * kInnerCols];
 };
 
 Matrix cross(const Matrix& a, const Matrix& b);
