@@ -21,6 +21,9 @@ inline constexpr int kBandRows = 8;
 /// Columns that sweeps look at together.
 inline constexpr int kBlockColumns = 64;
 
+/// Behind a list of numbers, so many more may be read and written.
+inline constexpr std::size_t kLaneRoom = 32;
+
 inline constexpr int bandsOf(int height) {
     return height / kBandRows + (height % kBandRows != 0 ? 1 : 0);
 }
@@ -167,6 +170,25 @@ struct KernelSet {
     /// is when the first lies outside 0 .. kLargestDepth.
     void (*meetSurface)(const LightSheet& sheet, const bool* found, const double* points, std::size_t count,
                         double* points3d);
+
+    // ---- points of a profile: three doubles x, y, z each, empty where x is 0.0 ----
+
+    /// Lists the heights z of the points that are not empty, in their order.
+    /// @param heights has room for `count` and kLaneRoom
+    /// @return their number
+    std::size_t (*listHeights)(const double* points, std::size_t count, double* heights);
+
+    /// Gives the points that are not empty the heights of a list, in their order.
+    /// @param heights one for each such point, and kLaneRoom
+    /// @return their number
+    std::size_t (*storeHeights)(double* points, std::size_t count, const double* heights);
+
+    /// The median of the 2 r + 1 heights around each of a list, which are rounded to single precision first.
+    /// @param heights `count` with r + 1 before and r + 1 + kLaneRoom behind them; from the first of all those
+    /// @param medians receives one per height, and has kLaneRoom
+    /// @return false where this pass has no network for r, or where a height is not a number or -0.0: then the medians
+    /// are undefined
+    bool (*findMedians)(const double* heights, std::size_t count, int r, double* medians);
 };
 
 /// The fastest set that the processor has and the build allows. Always the same one within a process.

@@ -1,14 +1,17 @@
-// medianfilter1 and medianfilter2: a sliding median of the heights, kept as one sorted window that loses a value and
-// takes one in from point to point.
+// medianfilter1 and medianfilter2: a sliding median of the heights. Small windows have a network; a large one is kept
+// sorted, and loses a value and takes one in from point to point.
 //
-// Heights pass through single precision, also where the median is the point's own: this is meant. In the window they
-// are integers in the order of the floats, so that a height that is not a number has a place as well.
+// Heights pass through single precision, also where the median is the point's own: this is meant. In a sorted
+// window they are integers in the order of the floats, so that a height that is not a number has a place as well.
 
 #include <algorithm>
 #include <bit>
 #include <cstdint>
+#include <limits>
+#include <vector>
 
-#include "profile/ValidPoints.h"
+#include "kernels/kernels.h"
+#include "profile/HeightList.h"
 #include "profile/profile.h"
 
 namespace KORVANELASERALGO::profile {
@@ -55,34 +58,43 @@ private:
     std::vector<std::int32_t> keys_;
 };
 
+// Large windows, and any height: slides one sorted window along the list.
+void slideSortedWindow(HeightList& heights, std::size_t r) {
+    SortedWindow window(2 * r + 1);
+    for (std::size_t n = 0; n < r; ++n) window.insert(keyOf(heights.begin()[n]));
+    for (std::size_t j = 0; j < heights.size(); ++j) {
+        const bool enters = j + r < heights.size();
+        const bool leaves = j > r;
+        // There are enough points that in every turn a height enters or leaves.
+        if (enters && leaves) {
+            window.replace(keyOf(heights.begin()[j - r - 1]), keyOf(heights.begin()[j + r]));
+        } else if (enters) {
+            window.insert(keyOf(heights.begin()[j + r]));
+        } else {
+            window.erase(keyOf(heights.begin()[j - r - 1]));
+        }
+        heights.results()[j] = heightOf(window.median());
+    }
+}
+
 }  // namespace
 
 void medianfilter(Profile& profile, int halfWindow) {
     const std::int64_t windowSize = 2 * std::int64_t{halfWindow} + 1;
     if (halfWindow < 0 || windowSize > INT32_MAX) return;
-    const ValidPoints valid = listValidPoints(profile);
-    if (valid.size() < static_cast<std::size_t>(windowSize)) return;
-
     const std::size_t r = static_cast<std::size_t>(halfWindow);
-    std::vector<std::int32_t> keys(valid.size());
-    std::transform(valid.points.begin(), valid.points.end(), keys.begin(),
-                   [](const tagKorvaneLaserPoint3d& point) { return keyOf(point.z); });
+    if (profile.size() < 2 * r + 1) return;
+    HeightList heights(profile, r + 1);
+    if (heights.size() < 2 * r + 1) return;
 
-    SortedWindow window(static_cast<std::size_t>(windowSize));
-    for (std::size_t n = 0; n < r; ++n) window.insert(keys[n]);
-    for (std::size_t j = 0; j < keys.size(); ++j) {
-        const bool enters = j + r < keys.size();
-        const bool leaves = j > r;
-        // There are enough points that in every turn a height enters or leaves.
-        if (enters && leaves) {
-            window.replace(keys[j - r - 1], keys[j + r]);
-        } else if (enters) {
-            window.insert(keys[j + r]);
-        } else {
-            window.erase(keys[j - r - 1]);
-        }
-        profile[valid.positions[j]].z = heightOf(window.median());
-    }
+    // A window that is cut short at an end is filled up with a high value, a low one, a high one ...: the median of the
+    // whole is the upper of the two middle values of an even rest, and the middle one of an odd rest.
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    heights.fillMargins([](std::size_t i) { return i % 2 == 0 ? kInfinity : -kInfinity; });
+    const bool found =
+        kernels::active().findMedians(heights.withMargins(), heights.size(), halfWindow, heights.results());
+    if (!found) slideSortedWindow(heights, r);
+    heights.storeResults(profile);
 }
 
 }  // namespace KORVANELASERALGO::profile

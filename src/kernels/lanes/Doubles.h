@@ -1,6 +1,5 @@
-// Lanes of doubles: four registers of the set that is compiled for, so that the latency of a division or a square root
-// is hidden behind the other registers'. Every operation is that of plain doubles on each number by itself, rounded
-// alike.
+// Lanes of doubles, as many as one register of the set holds, and the points of a profile as such lanes. A comparison
+// with not a number is false.
 
 #ifndef KORVANE_KERNELS_LANES_DOUBLES_H
 #define KORVANE_KERNELS_LANES_DOUBLES_H
@@ -9,298 +8,155 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
+
+#include "kernels/kernels.h"
 
 namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 #if KORVANE_KERNEL_LEVEL == 3
-using DoubleRegister = __m512d;
-using FlagRegister = __mmask8;
-inline constexpr FlagRegister kAll = 0xff;  // for operations whose plain form GCC 12 takes for a use before setting
-inline DoubleRegister fillDoubles(double value) {
-    return _mm512_set1_pd(value);
-}
-inline DoubleRegister add(DoubleRegister a, DoubleRegister b) {
-    return _mm512_add_pd(a, b);
-}
-inline DoubleRegister subtract(DoubleRegister a, DoubleRegister b) {
-    return _mm512_sub_pd(a, b);
-}
-inline DoubleRegister multiply(DoubleRegister a, DoubleRegister b) {
-    return _mm512_mul_pd(a, b);
-}
-inline DoubleRegister divide(DoubleRegister a, DoubleRegister b) {
-    return _mm512_div_pd(a, b);
-}
-inline DoubleRegister squareRoot(DoubleRegister a) {
-    return _mm512_maskz_sqrt_pd(kAll, a);
-}
-inline DoubleRegister negated(DoubleRegister a) {
-    return _mm512_xor_pd(a, fillDoubles(-0.0));
-}
-inline DoubleRegister throughSingle(DoubleRegister a) {
-    return _mm512_maskz_cvtps_pd(kAll, _mm512_maskz_cvtpd_ps(kAll, a));
-}
-inline FlagRegister below(DoubleRegister a, DoubleRegister b) {
-    return _mm512_cmp_pd_mask(a, b, _CMP_LT_OQ);
-}
-inline FlagRegister loadFlags(const void* bytes) {
-    const __m128i values = _mm_loadl_epi64(static_cast<const __m128i*>(bytes));
-    return static_cast<FlagRegister>(_mm_test_epi8_mask(values, values));
-}
-inline FlagRegister both(FlagRegister a, FlagRegister b) {
-    return static_cast<FlagRegister>(a & b);
-}
-inline FlagRegister either(FlagRegister a, FlagRegister b) {
-    return static_cast<FlagRegister>(a | b);
-}
-inline bool allFlags(FlagRegister flags) {
-    return flags == kAll;
-}
-inline DoubleRegister choose(FlagRegister flags, DoubleRegister yes, DoubleRegister no) {
-    return _mm512_mask_blend_pd(flags, no, yes);
-}
-inline void loadPairs(const double* p, DoubleRegister& x, DoubleRegister& y) {
-    const __m512d first = _mm512_loadu_pd(p);
-    const __m512d second = _mm512_loadu_pd(p + 8);
-    x = _mm512_permutex2var_pd(first, _mm512_setr_epi64(0, 2, 4, 6, 8, 10, 12, 14), second);
-    y = _mm512_permutex2var_pd(first, _mm512_setr_epi64(1, 3, 5, 7, 9, 11, 13, 15), second);
-}
-inline void storePairs(double* p, DoubleRegister x, DoubleRegister y) {
-    _mm512_storeu_pd(p, _mm512_permutex2var_pd(x, _mm512_setr_epi64(0, 8, 1, 9, 2, 10, 3, 11), y));
-    _mm512_storeu_pd(p + 8, _mm512_permutex2var_pd(x, _mm512_setr_epi64(4, 12, 5, 13, 6, 14, 7, 15), y));
-}
-inline void storeTriples(double* p, DoubleRegister x, DoubleRegister y, DoubleRegister z) {
-    // First x and y to their places, then z between them.
-    const __m512d xy0 = _mm512_permutex2var_pd(x, _mm512_setr_epi64(0, 8, 0, 1, 9, 0, 2, 10), y);
-    const __m512d xy1 = _mm512_permutex2var_pd(x, _mm512_setr_epi64(0, 3, 11, 0, 4, 12, 0, 5), y);
-    const __m512d xy2 = _mm512_permutex2var_pd(x, _mm512_setr_epi64(13, 0, 6, 14, 0, 7, 15, 0), y);
-    _mm512_storeu_pd(p, _mm512_permutex2var_pd(xy0, _mm512_setr_epi64(0, 1, 8, 3, 4, 9, 6, 7), z));
-    _mm512_storeu_pd(p + 8, _mm512_permutex2var_pd(xy1, _mm512_setr_epi64(10, 1, 2, 11, 4, 5, 12, 7), z));
-    _mm512_storeu_pd(p + 16, _mm512_permutex2var_pd(xy2, _mm512_setr_epi64(0, 13, 2, 3, 14, 5, 6, 15), z));
-}
-#elif KORVANE_KERNEL_LEVEL == 2
-using DoubleRegister = __m256d;
-using FlagRegister = __m256d;  // all bits of a number alike
-inline DoubleRegister fillDoubles(double value) {
-    return _mm256_set1_pd(value);
-}
-inline DoubleRegister add(DoubleRegister a, DoubleRegister b) {
-    return _mm256_add_pd(a, b);
-}
-inline DoubleRegister subtract(DoubleRegister a, DoubleRegister b) {
-    return _mm256_sub_pd(a, b);
-}
-inline DoubleRegister multiply(DoubleRegister a, DoubleRegister b) {
-    return _mm256_mul_pd(a, b);
-}
-inline DoubleRegister divide(DoubleRegister a, DoubleRegister b) {
-    return _mm256_div_pd(a, b);
-}
-inline DoubleRegister squareRoot(DoubleRegister a) {
-    return _mm256_sqrt_pd(a);
-}
-inline DoubleRegister negated(DoubleRegister a) {
-    return _mm256_xor_pd(a, fillDoubles(-0.0));
-}
-inline DoubleRegister throughSingle(DoubleRegister a) {
-    return _mm256_cvtps_pd(_mm256_cvtpd_ps(a));
-}
-inline FlagRegister below(DoubleRegister a, DoubleRegister b) {
-    return _mm256_cmp_pd(a, b, _CMP_LT_OQ);
-}
-inline FlagRegister loadFlags(const void* bytes) {
-    std::int32_t four;
-    std::memcpy(&four, bytes, sizeof four);
-    const __m256i wide = _mm256_cvtepu8_epi64(_mm_cvtsi32_si128(four));
-    return _mm256_castsi256_pd(_mm256_cmpgt_epi64(wide, _mm256_setzero_si256()));
-}
-inline FlagRegister both(FlagRegister a, FlagRegister b) {
-    return _mm256_and_pd(a, b);
-}
-inline FlagRegister either(FlagRegister a, FlagRegister b) {
-    return _mm256_or_pd(a, b);
-}
-inline bool allFlags(FlagRegister flags) {
-    return _mm256_movemask_pd(flags) == 0xf;
-}
-inline DoubleRegister choose(FlagRegister flags, DoubleRegister yes, DoubleRegister no) {
-    return _mm256_blendv_pd(no, yes, flags);
-}
-inline void loadPairs(const double* p, DoubleRegister& x, DoubleRegister& y) {
-    const __m256d even = _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(p)), _mm_loadu_pd(p + 4), 1);
-    const __m256d odd = _mm256_insertf128_pd(_mm256_castpd128_pd256(_mm_loadu_pd(p + 2)), _mm_loadu_pd(p + 6), 1);
-    x = _mm256_unpacklo_pd(even, odd);
-    y = _mm256_unpackhi_pd(even, odd);
-}
-inline void storePairs(double* p, DoubleRegister x, DoubleRegister y) {
-    const __m256d even = _mm256_unpacklo_pd(x, y);
-    const __m256d odd = _mm256_unpackhi_pd(x, y);
-    _mm256_storeu_pd(p, _mm256_permute2f128_pd(even, odd, 0x20));
-    _mm256_storeu_pd(p + 4, _mm256_permute2f128_pd(even, odd, 0x31));
-}
-inline void storeTriples(double* p, DoubleRegister x, DoubleRegister y, DoubleRegister z) {
-    // Of the points 0 and 2, and of their right neighbours.
-    const __m256d xy = _mm256_unpacklo_pd(x, y);
-    const __m256d zx = _mm256_shuffle_pd(z, x, 0xa);
-    const __m256d yz = _mm256_unpackhi_pd(y, z);
-    _mm256_storeu_pd(p, _mm256_permute2f128_pd(xy, zx, 0x20));
-    _mm256_storeu_pd(p + 4, _mm256_permute2f128_pd(yz, xy, 0x30));
-    _mm256_storeu_pd(p + 8, _mm256_permute2f128_pd(zx, yz, 0x31));
-}
-#else
-using DoubleRegister = __m128d;
-using FlagRegister = __m128d;  // all bits of a number alike
-inline DoubleRegister fillDoubles(double value) {
-    return _mm_set1_pd(value);
-}
-inline DoubleRegister add(DoubleRegister a, DoubleRegister b) {
-    return _mm_add_pd(a, b);
-}
-inline DoubleRegister subtract(DoubleRegister a, DoubleRegister b) {
-    return _mm_sub_pd(a, b);
-}
-inline DoubleRegister multiply(DoubleRegister a, DoubleRegister b) {
-    return _mm_mul_pd(a, b);
-}
-inline DoubleRegister divide(DoubleRegister a, DoubleRegister b) {
-    return _mm_div_pd(a, b);
-}
-inline DoubleRegister squareRoot(DoubleRegister a) {
-    return _mm_sqrt_pd(a);
-}
-inline DoubleRegister negated(DoubleRegister a) {
-    return _mm_xor_pd(a, fillDoubles(-0.0));
-}
-inline DoubleRegister throughSingle(DoubleRegister a) {
-    return _mm_cvtps_pd(_mm_cvtpd_ps(a));
-}
-inline FlagRegister below(DoubleRegister a, DoubleRegister b) {
-    return _mm_cmplt_pd(a, b);
-}
-inline FlagRegister loadFlags(const void* bytes) {
-    const unsigned char* flags = static_cast<const unsigned char*>(bytes);
-    return _mm_castsi128_pd(_mm_set_epi64x(flags[1] != 0 ? -1 : 0, flags[0] != 0 ? -1 : 0));
-}
-inline FlagRegister both(FlagRegister a, FlagRegister b) {
-    return _mm_and_pd(a, b);
-}
-inline FlagRegister either(FlagRegister a, FlagRegister b) {
-    return _mm_or_pd(a, b);
-}
-inline bool allFlags(FlagRegister flags) {
-    return _mm_movemask_pd(flags) == 0x3;
-}
-inline DoubleRegister choose(FlagRegister flags, DoubleRegister yes, DoubleRegister no) {
-    return _mm_or_pd(_mm_and_pd(flags, yes), _mm_andnot_pd(flags, no));
-}
-inline void loadPairs(const double* p, DoubleRegister& x, DoubleRegister& y) {
-    const __m128d first = _mm_loadu_pd(p);
-    const __m128d second = _mm_loadu_pd(p + 2);
-    x = _mm_unpacklo_pd(first, second);
-    y = _mm_unpackhi_pd(first, second);
-}
-inline void storePairs(double* p, DoubleRegister x, DoubleRegister y) {
-    _mm_storeu_pd(p, _mm_unpacklo_pd(x, y));
-    _mm_storeu_pd(p + 2, _mm_unpackhi_pd(x, y));
-}
-inline void storeTriples(double* p, DoubleRegister x, DoubleRegister y, DoubleRegister z) {
-    _mm_storeu_pd(p, _mm_unpacklo_pd(x, y));
-    _mm_storeu_pd(p + 2, _mm_shuffle_pd(z, x, 2));
-    _mm_storeu_pd(p + 4, _mm_unpackhi_pd(y, z));
-}
-#endif
 
-inline constexpr int kDoubleRegisters = 4;
-inline constexpr int kPerRegister = static_cast<int>(sizeof(DoubleRegister) / sizeof(double));
-inline constexpr int kDoubles = kDoubleRegisters * kPerRegister;  // numbers of a lane
-
-/// One answer per number.
-struct DoubleFlags {
-    FlagRegister part[kDoubleRegisters];
-
-    template <class Operation>
-    static DoubleFlags make(Operation operation) {
-        DoubleFlags result;
-        for (int i = 0; i < kDoubleRegisters; ++i) result.part[i] = operation(i);
-        return result;
-    }
+struct DoubleMask {
+    __mmask8 bits;
 };
 
 struct Doubles {
-    DoubleRegister part[kDoubleRegisters];
+    static constexpr int kCount = 8;
+    __m512d lanes;
 
-    template <class Operation>
-    static Doubles make(Operation operation) {
-        Doubles result;
-        for (int i = 0; i < kDoubleRegisters; ++i) result.part[i] = operation(i);
-        return result;
-    }
-
-    Doubles() = default;
-    explicit Doubles(double value) : Doubles(make([value](int) { return fillDoubles(value); })) {}
+    static Doubles load(const double* p) { return {_mm512_loadu_pd(p)}; }
+    static Doubles fill(double value) { return {_mm512_set1_pd(value)}; }
+    void store(double* p) const { _mm512_storeu_pd(p, lanes); }
 };
 
-inline Doubles operator+(const Doubles& a, const Doubles& b) {
-    return Doubles::make([&](int i) { return add(a.part[i], b.part[i]); });
+inline Doubles operator+(Doubles a, Doubles b) {
+    return {_mm512_add_pd(a.lanes, b.lanes)};
 }
-inline Doubles operator-(const Doubles& a, const Doubles& b) {
-    return Doubles::make([&](int i) { return subtract(a.part[i], b.part[i]); });
+inline Doubles operator-(Doubles a, Doubles b) {
+    return {_mm512_sub_pd(a.lanes, b.lanes)};
 }
-inline Doubles operator*(const Doubles& a, const Doubles& b) {
-    return Doubles::make([&](int i) { return multiply(a.part[i], b.part[i]); });
+inline Doubles operator*(Doubles a, Doubles b) {
+    return {_mm512_mul_pd(a.lanes, b.lanes)};
 }
-inline Doubles operator/(const Doubles& a, const Doubles& b) {
-    return Doubles::make([&](int i) { return divide(a.part[i], b.part[i]); });
+inline Doubles operator/(Doubles a, Doubles b) {
+    return {_mm512_div_pd(a.lanes, b.lanes)};
 }
-inline Doubles squareRoot(const Doubles& a) {
-    return Doubles::make([&](int i) { return squareRoot(a.part[i]); });
+inline Doubles absolute(Doubles a) {
+    return {_mm512_abs_pd(a.lanes)};
 }
-inline Doubles negated(const Doubles& a) {
-    return Doubles::make([&](int i) { return negated(a.part[i]); });
+inline DoubleMask less(Doubles a, Doubles b) {
+    return {_mm512_cmp_pd_mask(a.lanes, b.lanes, _CMP_LT_OQ)};
 }
-/// Rounded to single precision and widened again.
-inline Doubles throughSingle(const Doubles& a) {
-    return Doubles::make([&](int i) { return throughSingle(a.part[i]); });
+inline DoubleMask notZero(Doubles a) {
+    return {_mm512_cmp_pd_mask(a.lanes, _mm512_setzero_pd(), _CMP_NEQ_UQ)};
 }
-
-inline DoubleFlags operator<(const Doubles& a, const Doubles& b) {
-    return DoubleFlags::make([&](int i) { return below(a.part[i], b.part[i]); });
+inline DoubleMask operator&(DoubleMask a, DoubleMask b) {
+    return {static_cast<__mmask8>(a.bits & b.bits)};
 }
-inline DoubleFlags operator>(const Doubles& a, const Doubles& b) {
-    return b < a;
+/// One bit per lane.
+inline unsigned bitsOf(DoubleMask mask) {
+    return mask.bits;
 }
-inline DoubleFlags operator&(const DoubleFlags& a, const DoubleFlags& b) {
-    return DoubleFlags::make([&](int i) { return both(a.part[i], b.part[i]); });
-}
-inline DoubleFlags operator|(const DoubleFlags& a, const DoubleFlags& b) {
-    return DoubleFlags::make([&](int i) { return either(a.part[i], b.part[i]); });
-}
-inline bool allOf(const DoubleFlags& flags) {
-    FlagRegister all = flags.part[0];
-    for (int i = 1; i < kDoubleRegisters; ++i) all = both(all, flags.part[i]);
-    return allFlags(all);
-}
-inline Doubles choose(const DoubleFlags& flags, const Doubles& yes, const Doubles& no) {
-    return Doubles::make([&](int i) { return choose(flags.part[i], yes.part[i], no.part[i]); });
+/// a + b where the mask is set, elsewhere a.
+inline Doubles addWhere(DoubleMask mask, Doubles a, Doubles b) {
+    return {_mm512_mask_add_pd(a.lanes, mask.bits, a.lanes, b.lanes)};
 }
 
-/// Is each byte not 0?
-inline DoubleFlags areSet(const void* bytes) {
-    const unsigned char* first = static_cast<const unsigned char*>(bytes);
-    return DoubleFlags::make([first](int i) { return loadFlags(first + i * kPerRegister); });
+#elif KORVANE_KERNEL_LEVEL == 2
+
+struct DoubleMask {
+    __m256d lanes;
+};
+
+struct Doubles {
+    static constexpr int kCount = 4;
+    __m256d lanes;
+
+    static Doubles load(const double* p) { return {_mm256_loadu_pd(p)}; }
+    static Doubles fill(double value) { return {_mm256_set1_pd(value)}; }
+    void store(double* p) const { _mm256_storeu_pd(p, lanes); }
+};
+
+inline Doubles operator+(Doubles a, Doubles b) {
+    return {_mm256_add_pd(a.lanes, b.lanes)};
 }
-/// From and to x0 y0 x1 y1 ...
-inline void loadPairs(const double* p, Doubles& x, Doubles& y) {
-    for (int i = 0; i < kDoubleRegisters; ++i) loadPairs(p + 2 * kPerRegister * i, x.part[i], y.part[i]);
+inline Doubles operator-(Doubles a, Doubles b) {
+    return {_mm256_sub_pd(a.lanes, b.lanes)};
 }
-inline void storePairs(double* p, const Doubles& x, const Doubles& y) {
-    for (int i = 0; i < kDoubleRegisters; ++i) storePairs(p + 2 * kPerRegister * i, x.part[i], y.part[i]);
+inline Doubles operator*(Doubles a, Doubles b) {
+    return {_mm256_mul_pd(a.lanes, b.lanes)};
 }
-/// To x0 y0 z0 x1 y1 z1 ...
-inline void storeTriples(double* p, const Doubles& x, const Doubles& y, const Doubles& z) {
-    for (int i = 0; i < kDoubleRegisters; ++i) storeTriples(p + 3 * kPerRegister * i, x.part[i], y.part[i], z.part[i]);
+inline Doubles operator/(Doubles a, Doubles b) {
+    return {_mm256_div_pd(a.lanes, b.lanes)};
 }
+inline Doubles absolute(Doubles a) {
+    return {_mm256_andnot_pd(_mm256_set1_pd(-0.0), a.lanes)};
+}
+inline DoubleMask less(Doubles a, Doubles b) {
+    return {_mm256_cmp_pd(a.lanes, b.lanes, _CMP_LT_OQ)};
+}
+inline DoubleMask notZero(Doubles a) {
+    return {_mm256_cmp_pd(a.lanes, _mm256_setzero_pd(), _CMP_NEQ_UQ)};
+}
+inline DoubleMask operator&(DoubleMask a, DoubleMask b) {
+    return {_mm256_and_pd(a.lanes, b.lanes)};
+}
+inline unsigned bitsOf(DoubleMask mask) {
+    return static_cast<unsigned>(_mm256_movemask_pd(mask.lanes));
+}
+// A sum from +0.0 on is never -0.0, so the added +0.0 changes nothing.
+inline Doubles addWhere(DoubleMask mask, Doubles a, Doubles b) {
+    return {_mm256_add_pd(a.lanes, _mm256_and_pd(mask.lanes, b.lanes))};
+}
+
+#else
+
+struct DoubleMask {
+    __m128d lanes;
+};
+
+struct Doubles {
+    static constexpr int kCount = 2;
+    __m128d lanes;
+
+    static Doubles load(const double* p) { return {_mm_loadu_pd(p)}; }
+    static Doubles fill(double value) { return {_mm_set1_pd(value)}; }
+    void store(double* p) const { _mm_storeu_pd(p, lanes); }
+};
+
+inline Doubles operator+(Doubles a, Doubles b) {
+    return {_mm_add_pd(a.lanes, b.lanes)};
+}
+inline Doubles operator-(Doubles a, Doubles b) {
+    return {_mm_sub_pd(a.lanes, b.lanes)};
+}
+inline Doubles operator*(Doubles a, Doubles b) {
+    return {_mm_mul_pd(a.lanes, b.lanes)};
+}
+inline Doubles operator/(Doubles a, Doubles b) {
+    return {_mm_div_pd(a.lanes, b.lanes)};
+}
+inline Doubles absolute(Doubles a) {
+    return {_mm_andnot_pd(_mm_set1_pd(-0.0), a.lanes)};
+}
+inline DoubleMask less(Doubles a, Doubles b) {
+    return {_mm_cmplt_pd(a.lanes, b.lanes)};
+}
+inline DoubleMask notZero(Doubles a) {
+    return {_mm_cmpneq_pd(a.lanes, _mm_setzero_pd())};
+}
+inline DoubleMask operator&(DoubleMask a, DoubleMask b) {
+    return {_mm_and_pd(a.lanes, b.lanes)};
+}
+inline unsigned bitsOf(DoubleMask mask) {
+    return static_cast<unsigned>(_mm_movemask_pd(mask.lanes));
+}
+inline Doubles addWhere(DoubleMask mask, Doubles a, Doubles b) {
+    return {_mm_add_pd(a.lanes, _mm_and_pd(mask.lanes, b.lanes))};
+}
+
+#endif
+
+inline constexpr unsigned kAllDoubles = (1u << Doubles::kCount) - 1;
 
 }  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET
 

@@ -6,39 +6,41 @@
 #define KORVANE_KERNELS_LANES_LIGHTSHEET_H
 
 #include "kernels/kernels.h"
-#include "kernels/lanes/Doubles.h"
+#include "kernels/lanes/ManyDoubles.h"
 
 namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 struct PlaneDepth {
-    Doubles c0, c1, c2;
+    ManyDoubles c0, c1, c2;
 
     explicit PlaneDepth(const double* c) : c0(c[0]), c1(c[1]), c2(c[2]) {}
 
-    Doubles operator()(const Doubles& x, const Doubles& y) const { return c0 / (Doubles(1.0) - c1 * x - c2 * y); }
+    ManyDoubles operator()(const ManyDoubles& x, const ManyDoubles& y) const {
+        return c0 / (ManyDoubles(1.0) - c1 * x - c2 * y);
+    }
 };
 
 struct SurfaceDepth {
-    Doubles c0, c1, c2, c3, c4, c5;
+    ManyDoubles c0, c1, c2, c3, c4, c5;
 
     explicit SurfaceDepth(const double* c) : c0(c[0]), c1(c[1]), c2(c[2]), c3(c[3]), c4(c[4]), c5(c[5]) {}
 
-    Doubles operator()(const Doubles& x, const Doubles& y) const {
-        const Doubles a = c3 * (x * x) + c4 * x * y + c5 * (y * y);
-        const Doubles b = c1 * x + c2 * y - Doubles(1.0);
-        const Doubles root = squareRoot(b * b - Doubles(4.0) * a * c0);
-        const Doubles twoA = a + a;
-        const Doubles firstTop = root - b;
-        const Doubles secondTop = negated(b) - root;
+    ManyDoubles operator()(const ManyDoubles& x, const ManyDoubles& y) const {
+        const ManyDoubles a = c3 * (x * x) + c4 * x * y + c5 * (y * y);
+        const ManyDoubles b = c1 * x + c2 * y - ManyDoubles(1.0);
+        const ManyDoubles root = squareRoot(b * b - ManyDoubles(4.0) * a * c0);
+        const ManyDoubles twoA = a + a;
+        const ManyDoubles firstTop = root - b;
+        const ManyDoubles secondTop = negated(b) - root;
 
         // Where every first root is out of range, this mostly shows without its division. Above a positive divisor the
         // quotient is beyond 3501 but for one rounding; above a negative one it is below -2^-101, which stays negative
         // in single precision; above zero it is infinite. An infinite divisor and not-a-number fail a comparison.
-        if (allOf((firstTop > Doubles(3501.0) * twoA) & (firstTop > Doubles(-0x1p-100) * twoA)))
+        if (allOf((firstTop > ManyDoubles(3501.0) * twoA) & (firstTop > ManyDoubles(-0x1p-100) * twoA)))
             return throughSingle(secondTop / twoA);
 
-        const Doubles first = throughSingle(firstTop / twoA);
-        const DoubleFlags outOfRange = (first < Doubles(0.0)) | (first > Doubles(double{kLargestDepth}));
+        const ManyDoubles first = throughSingle(firstTop / twoA);
+        const ManyFlags outOfRange = (first < ManyDoubles(0.0)) | (first > ManyDoubles(double{kLargestDepth}));
         return choose(outOfRange, throughSingle(secondTop / twoA), first);
     }
 };
@@ -46,25 +48,26 @@ struct SurfaceDepth {
 template <class Depth>
 inline void meet(const LightSheet& sheet, const bool* found, const double* points, std::size_t count, double* points3d,
                  const Depth& depth) {
-    const Doubles fx(sheet.camera.fx), cx(sheet.camera.cx), fy(sheet.camera.fy), cy(sheet.camera.cy);
-    const Doubles lowerBound(sheet.lowerBound), upperBound(sheet.upperBound), zero(0.0);
+    const ManyDoubles fx(sheet.camera.fx), cx(sheet.camera.cx), fy(sheet.camera.fy), cy(sheet.camera.cy);
+    const ManyDoubles lowerBound(sheet.lowerBound), upperBound(sheet.upperBound), zero(0.0);
     const double* rt = sheet.rt;
 
     const std::size_t lastLane = count - kDoubles;
     for (std::size_t next = 0; next < count; next += kDoubles) {
         const std::size_t i = next < lastLane ? next : lastLane;
-        Doubles u, v;
+        ManyDoubles u, v;
         loadPairs(points + 2 * i, u, v);
-        const DoubleFlags accepted = areSet(found + i) & (u > lowerBound) & (u < upperBound);
+        const ManyFlags accepted = areSet(found + i) & (u > lowerBound) & (u < upperBound);
 
-        const Doubles x = (u - cx) / fx;
-        const Doubles y = (v - cy) / fy;
-        const Doubles s = depth(x, y);
-        const Doubles px = s * x;
-        const Doubles py = s * y;
+        const ManyDoubles x = (u - cx) / fx;
+        const ManyDoubles y = (v - cy) / fy;
+        const ManyDoubles s = depth(x, y);
+        const ManyDoubles px = s * x;
+        const ManyDoubles py = s * y;
         const auto row = [&](int r) {
             const double* a = rt + 3 * r;
-            const Doubles sum = Doubles(a[0]) * px + Doubles(a[1]) * py + Doubles(a[2]) * s + Doubles(rt[9 + r]);
+            const ManyDoubles sum =
+                ManyDoubles(a[0]) * px + ManyDoubles(a[1]) * py + ManyDoubles(a[2]) * s + ManyDoubles(rt[9 + r]);
             return choose(accepted, sum, zero);
         };
         storeTriples(points3d + 3 * i, row(0), row(1), row(2));

@@ -12,6 +12,8 @@
 #include "kernels/lanes/GreyRanges.h"
 #include "kernels/lanes/LightSheet.h"
 #include "kernels/lanes/Marks.h"
+#include "kernels/lanes/Medians.h"
+#include "kernels/lanes/PointLists.h"
 #include "kernels/lanes/StripeStarts.h"
 #include "kernels/lanes/SubtractChange.h"
 #include "kernels/lanes/SumAbove.h"
@@ -22,9 +24,9 @@ namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 extern const KernelSet kTable;
 const KernelSet kTable = {
-    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,       findStripeStarts,
-    cutAndSum,           copyAbove,        widenRanges,     copyWithMaxima, subtractChange,
-    markAbove,           countMarks,       undistort,       meetPlane,      meetSurface,
+    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,       findStripeStarts, cutAndSum,
+    copyAbove,           widenRanges,      copyWithMaxima,  subtractChange, markAbove,        countMarks,
+    undistort,           meetPlane,        meetSurface,     listHeights,    storeHeights,     findMedians,
 };
 
 }  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET

@@ -5,14 +5,14 @@
 #define KORVANE_KERNELS_LANES_UNDISTORT_H
 
 #include "kernels/kernels.h"
-#include "kernels/lanes/Doubles.h"
+#include "kernels/lanes/ManyDoubles.h"
 
 namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 inline void undistort(const Pinhole& camera, const LensDistortion& lens, double* points, std::size_t count) {
-    const Doubles fx(camera.fx), cx(camera.cx), fy(camera.fy), cy(camera.cy);
-    const Doubles k1(lens.k1), k2(lens.k2), k3(lens.k3), p1(lens.p1), p2(lens.p2);
-    const Doubles one(1.0), twoP1(2.0 * lens.p1), twoP2(2.0 * lens.p2);
+    const ManyDoubles fx(camera.fx), cx(camera.cx), fy(camera.fy), cy(camera.cy);
+    const ManyDoubles k1(lens.k1), k2(lens.k2), k3(lens.k3), p1(lens.p1), p2(lens.p2);
+    const ManyDoubles one(1.0), twoP1(2.0 * lens.p1), twoP2(2.0 * lens.p2);
 
     double last[2 * kDoubles];  // less than a lane, filled up with copies of its first point
     while (count > 0) {
@@ -23,19 +23,19 @@ inline void undistort(const Pinhole& camera, const LensDistortion& lens, double*
             for (std::size_t i = 0; i < 2 * kDoubles; ++i) last[i] = points[i < values ? i : i % 2];
         }
 
-        Doubles x, y;
+        ManyDoubles x, y;
         loadPairs(lane, x, y);
-        const Doubles x0 = x = (x - cx) / fx;
-        const Doubles y0 = y = (y - cy) / fy;
+        const ManyDoubles x0 = x = (x - cx) / fx;
+        const ManyDoubles y0 = y = (y - cy) / fy;
         for (int round = 0; round < kUndistortRounds; ++round) {
-            const Doubles xx = x * x;
-            const Doubles yy = y * y;
-            const Doubles r2 = xx + yy;
-            const Doubles r4 = r2 * r2;
-            const Doubles r6 = r4 * r2;
-            const Doubles g = one / (one + k1 * r2 + k2 * r4 + k3 * r6);
-            const Doubles dx = twoP1 * x * y + p2 * (r2 + (xx + xx));
-            const Doubles dy = p1 * (r2 + (yy + yy)) + twoP2 * x * y;
+            const ManyDoubles xx = x * x;
+            const ManyDoubles yy = y * y;
+            const ManyDoubles r2 = xx + yy;
+            const ManyDoubles r4 = r2 * r2;
+            const ManyDoubles r6 = r4 * r2;
+            const ManyDoubles g = one / (one + k1 * r2 + k2 * r4 + k3 * r6);
+            const ManyDoubles dx = twoP1 * x * y + p2 * (r2 + (xx + xx));
+            const ManyDoubles dy = p1 * (r2 + (yy + yy)) + twoP2 * x * y;
             x = (x0 - dx) * g;
             y = (y0 - dy) * g;
         }

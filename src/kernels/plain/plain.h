@@ -28,6 +28,10 @@ void undistort(const Pinhole& camera, const LensDistortion& lens, double* points
 void meetPlane(const LightSheet& sheet, const bool* found, const double* points, std::size_t count, double* points3d);
 void meetSurface(const LightSheet& sheet, const bool* found, const double* points, std::size_t count, double* points3d);
 
+std::size_t listHeights(const double* points, std::size_t count, double* heights);
+std::size_t storeHeights(double* points, std::size_t count, const double* heights);
+bool findMedians(const double* heights, std::size_t count, int r, double* medians);
+
 extern const KernelSet kTable;
 
 }  // namespace KORVANELASERALGO::kernels::plain
