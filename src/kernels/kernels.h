@@ -189,6 +189,14 @@ struct KernelSet {
     /// @return false where this pass has no network for r, or where a height is not a number or -0.0: then the medians
     /// are undefined
     bool (*findMedians)(const double* heights, std::size_t count, int r, double* medians);
+
+    /// The weighted mean of the heights around each of a list that differ from it by less than `step`.
+    /// @param heights `count` with `reach` before and `reach` + kLaneRoom behind them, which are not a number and do
+    /// not count; from the first of all those
+    /// @param weights 2 reach + 1
+    /// @param smoothed receives one per height, and has kLaneRoom
+    void (*smoothHeights)(const double* heights, std::size_t count, const double* weights, std::size_t reach,
+                          double step, double* smoothed);
 };
 
 /// The fastest set that the processor has and the build allows. Always the same one within a process.

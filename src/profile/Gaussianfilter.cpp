@@ -4,9 +4,13 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <new>
+#include <numeric>
+#include <vector>
 
-#include "profile/ValidPoints.h"
+#include "kernels/kernels.h"
+#include "profile/HeightList.h"
 #include "profile/profile.h"
 
 namespace KORVANELASERALGO::profile {
@@ -20,12 +24,12 @@ std::vector<double> gaussianWeights(std::int64_t r) {
     const std::int64_t taps = 2 * r + 1;
     const double sigma = static_cast<double>(taps) / kTapsPerSigma;
     std::vector<double> weights(static_cast<std::size_t>(taps));
-    double sum = 0.0;
-    for (std::int64_t i = -r; i <= r; ++i) {
-        double& weight = weights[static_cast<std::size_t>(i + r)];
-        weight = std::exp(static_cast<double>(-(i * i)) / ((sigma + sigma) * sigma));
-        sum += weight;
+    for (std::int64_t i = -r; i <= 0; ++i) {
+        const double weight = std::exp(static_cast<double>(-(i * i)) / ((sigma + sigma) * sigma));
+        weights[static_cast<std::size_t>(r + i)] = weight;
+        weights[static_cast<std::size_t>(r - i)] = weight;
     }
+    const double sum = std::accumulate(weights.begin(), weights.end(), 0.0);
     for (double& weight : weights) weight /= sum;
     return weights;
 }
@@ -38,25 +42,17 @@ void Gaussianfilter(Profile& profile, int halfWindow) {
     if (r < 0 || 2 * r + 1 > INT32_MAX) throw std::bad_alloc();
     const std::size_t reach = static_cast<std::size_t>(r);
 
-    const ValidPoints valid = listValidPoints(profile);
-    if (valid.size() < 2 * reach + 1) return;
+    if (profile.size() < 2 * reach + 1) return;
+    HeightList heights(profile, reach);
+    if (heights.size() < 2 * reach + 1) return;
     const std::vector<double> weights = gaussianWeights(r);
 
-    for (std::size_t j = 0; j < valid.size(); ++j) {
-        const double centre = valid.points[j].z;
-        const Window window = windowAround(j, reach, reach, valid.size());
-        double height = 0.0;
-        double weightSum = 0.0;
-        for (std::size_t m = window.first; m < window.end; ++m) {
-            const double neighbour = valid.points[m].z;
-            if (!(std::fabs(centre - neighbour) < kStep)) continue;
-            const double weight = weights[m + reach - j];
-            height += neighbour * weight;
-            weightSum += weight;
-        }
-        // A height that is not a number has no neighbour within the step, not even itself, and stays not a number.
-        profile[valid.positions[j]].z = height / weightSum;
-    }
+    // Beyond the ends there is no neighbour. A height that is not a number has none within the step, not even itself,
+    // and stays not a number.
+    heights.fillMargins([](std::size_t) { return std::numeric_limits<double>::quiet_NaN(); });
+    kernels::active().smoothHeights(heights.withMargins(), heights.size(), weights.data(), reach, kStep,
+                                    heights.results());
+    heights.storeResults(profile);
 }
 
 }  // namespace KORVANELASERALGO::profile

@@ -14,6 +14,7 @@
 #include "kernels/lanes/Marks.h"
 #include "kernels/lanes/Medians.h"
 #include "kernels/lanes/PointLists.h"
+#include "kernels/lanes/Smoothing.h"
 #include "kernels/lanes/StripeStarts.h"
 #include "kernels/lanes/SubtractChange.h"
 #include "kernels/lanes/SumAbove.h"
@@ -24,9 +25,9 @@ namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 extern const KernelSet kTable;
 const KernelSet kTable = {
-    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,       findStripeStarts, cutAndSum,
-    copyAbove,           widenRanges,      copyWithMaxima,  subtractChange, markAbove,        countMarks,
-    undistort,           meetPlane,        meetSurface,     listHeights,    storeHeights,     findMedians,
+    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,    findStripeStarts, cutAndSum, copyAbove,
+    widenRanges,         copyWithMaxima,   subtractChange,  markAbove,   countMarks,       undistort, meetPlane,
+    meetSurface,         listHeights,      storeHeights,    findMedians, smoothHeights,
 };
 
 }  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET

@@ -31,6 +31,8 @@ void meetSurface(const LightSheet& sheet, const bool* found, const double* point
 std::size_t listHeights(const double* points, std::size_t count, double* heights);
 std::size_t storeHeights(double* points, std::size_t count, const double* heights);
 bool findMedians(const double* heights, std::size_t count, int r, double* medians);
+void smoothHeights(const double* heights, std::size_t count, const double* weights, std::size_t reach, double step,
+                   double* smoothed);
 
 extern const KernelSet kTable;
 
