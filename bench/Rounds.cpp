@@ -1,0 +1,181 @@
+#include "bench/Rounds.h"
+
+#include <algorithm>
+#include <cmath>
+#include <stdexcept>
+#include <vector>
+
+#include "bench/Clock.h"
+#include "bench/Floors.h"
+
+namespace bench {
+
+namespace kernels = KORVANELASERALGO::kernels;
+
+namespace {
+
+/// What reading the clock twice takes.
+double costOfClock(Clock clock) {
+    constexpr int kPairs = 101;
+    std::vector<double> costs;
+    for (int i = 0; i < kPairs; ++i) {
+        const double start = clock();
+        costs.push_back(clock() - start);
+    }
+    std::nth_element(costs.begin(), costs.begin() + kPairs / 2, costs.end());
+    return costs[kPairs / 2];
+}
+
+double median(std::vector<double> values) {
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+/// One of those who do the work of an item.
+struct Contender {
+    Call call;
+    const KernelSet* set;       // to be active meanwhile; null for any
+    bool changesInput = false;  // so each input serves once, then is restored
+    int calls = 1;              // in a row, timed together
+    int nextCopy = 0;
+    std::vector<double> times = {};  // of a call, one per round
+};
+
+class Race {
+public:
+    Race(const Item& item, double clockCost)
+        : item_(item), clock_(item.threads ? wallSeconds : threadSeconds), clockCost_(clockCost) {}
+
+    /// As many calls as there are inputs, so that all are measured on the same; more where a call is shorter than the
+    /// clock is fine, and one where it takes long.
+    void chooseCalls(Contender& contender) {
+        constexpr double kLong = 2e-3;   // seconds
+        constexpr double kShort = 2e-5;  // of all calls together
+        timeOf(contender);
+        const double time = timeOf(contender);
+        contender.calls = item_.copies;
+        if (time > kLong) contender.calls = 1;
+        if (time * item_.copies < kShort && !contender.changesInput)
+            contender.calls *= static_cast<int>(std::ceil(kShort / std::max(time * item_.copies, 1e-9)));
+        contender.nextCopy = 0;
+    }
+
+    /// Of one call; takes the next inputs, and restores them afterwards.
+    double timeOf(Contender& contender) {
+        if (contender.set != nullptr) kernels::activate(*contender.set);
+        const int first = contender.nextCopy;
+        int copy = first;
+        const double start = clock_();
+        for (int i = 0; i < contender.calls; ++i) {
+            contender.call(copy);
+            copy = copy + 1 == item_.copies ? 0 : copy + 1;
+        }
+        const double time = clock_() - start - clockCost_;
+        contender.nextCopy = copy;
+        if (contender.changesInput) {
+            for (int i = 0; i < contender.calls; ++i) item_.restore((first + i) % item_.copies);
+        }
+        return std::max(time, 0.0) / contender.calls;
+    }
+
+private:
+    const Item& item_;
+    Clock clock_;
+    double clockCost_;
+};
+
+/// The median of a ratio of sums, round by round.
+std::optional<double> ratio(const Contender& of, const Contender* fixed, double passes, const Contender* floor) {
+    std::vector<double> ratios;
+    for (std::size_t round = 0; round < of.times.size(); ++round) {
+        const double below = (fixed ? fixed->times[round] : 0.0) + (floor ? passes * floor->times[round] : 0.0);
+        ratios.push_back(of.times[round] / std::max(below, 1e-12));
+    }
+    return median(ratios);
+}
+
+}  // namespace
+
+const KernelSet* kernelSetNamed(const std::string& name) {
+    for (const auto& candidate : kernels::setsOfBuild()) {
+        if (candidate.supported && name == candidate.set->name) return candidate.set;
+    }
+    return nullptr;
+}
+
+const KernelSet& widestKernelSet() {
+    const KernelSet* widest = nullptr;
+    for (const auto& candidate : kernels::setsOfBuild()) {
+        if (candidate.supported) widest = candidate.set;
+    }
+    return *widest;
+}
+
+Figures measure(const Item& item, const Goal& goal, const Plan& plan) {
+    Race race(item, costOfClock(item.threads ? wallSeconds : threadSeconds));
+
+    const bool changesInput = static_cast<bool>(item.restore);
+    Contender chosen{item.library, plan.chosen, changesInput};
+    Contender twin{item.twin, nullptr, changesInput};
+    Contender capped{item.library, plan.capped, changesInput};
+    Contender floor{item.floor, nullptr};
+    Contender threads{[&item](int) { startAndJoin(item.emptyThreads); }, nullptr};
+    Contender other{item.other, nullptr};
+    std::vector<Contender*> contenders = {&chosen, &twin};
+    if (plan.capped) contenders.push_back(&capped);
+    if (item.floor) contenders.push_back(&floor);
+    if (item.emptyThreads > 0) contenders.push_back(&threads);
+    if (item.other) contenders.push_back(&other);
+    for (Contender* contender : contenders) race.chooseCalls(*contender);
+
+    // Another order in each round: everyone comes first at some time, and after everyone else.
+    Figures figures;
+    const double start = wallSeconds();
+    while (figures.rounds < plan.mostRounds &&
+           (figures.rounds < plan.leastRounds || wallSeconds() - start < plan.seconds)) {
+        for (Contender* contender : contenders) contender->times.push_back(race.timeOf(*contender));
+        std::rotate(contenders.begin(), contenders.begin() + 1, contenders.end());
+        ++figures.rounds;
+        if (figures.rounds % static_cast<int>(contenders.size()) == 0)
+            std::reverse(contenders.begin(), contenders.end());
+    }
+    figures.chosen = median(chosen.times);
+    if (item.floor) {
+        figures.floor = median(floor.times);
+        const Contender* fixed = item.emptyThreads > 0 ? &threads : nullptr;
+        if (fixed != nullptr) figures.threads = median(threads.times);
+        figures.chosenOverFloor = ratio(chosen, fixed, fixed ? goal.widest.value_or(1.0) : 1.0, &floor);
+        if (plan.capped) figures.cappedOverFloor = ratio(capped, fixed, fixed ? goal.sse2.value_or(1.0) : 1.0, &floor);
+    }
+    figures.chosenOverTwin = *ratio(chosen, nullptr, 1.0, &twin);
+    if (item.other) figures.chosenOverOther = ratio(chosen, nullptr, 1.0, &other);
+
+    // The tail: single calls.
+    if (plan.singleCalls > 0) {
+        Contender single{item.library, plan.chosen, changesInput};
+        for (int i = 0; i < plan.singleCalls; ++i) single.times.push_back(race.timeOf(single));
+        std::sort(single.times.begin(), single.times.end());
+        constexpr double kShare = 0.999;
+        const auto rank = static_cast<std::size_t>(std::ceil(kShare * static_cast<double>(single.times.size())));
+        figures.tail = single.times[rank - 1];
+        figures.longest = single.times.back();
+    }
+    return figures;
+}
+
+void requireSameResults(const Item& item) {
+    for (int copy = 0; copy < item.copies; ++copy) {
+        const auto digestOf = [&](const Call& call) {
+            if (item.restore) item.restore(copy);
+            call(copy);
+            const std::uint64_t digest = item.digest(copy);
+            if (item.restore) item.restore(copy);
+            return digest;
+        };
+        if (digestOf(item.library) != digestOf(item.twin))
+            throw std::runtime_error(item.method + " on " + item.input + ": library and twin differ");
+    }
+}
+
+}  // namespace bench
