@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <stdexcept>
 
 #include "bench/Digest.h"
 #include "bench/Floors.h"
@@ -116,6 +117,7 @@ Item extractionItem(const Extraction& method, const std::string& kind, Size size
     other::setExtraction(
         item, std::string(method.name) == "Cal2DPoint2_1", [work](int copy) { return work->frame(copy); }, size,
         kThreshold);
+    item.changesInput = method.cutsTheFrame;
     item.restore = [work, method](int copy) {
         work->clearMask();
         if (method.cutsTheFrame) work->restoreFrame(copy);
@@ -142,6 +144,7 @@ Item chainItem(const std::string& kind, Size size) {
     item.floor = readFrame(work);
     item.library = [work](int copy) {
         Library& library = work->stream.library;
+        work->clearMask();
         library.Cal2DPoint2(work->mask.get(), work->frame(copy), work->points);
         library.undistortPoints2(work->points);
         library.Cal3DPoint1(work->mask.get(), work->points, work->profile);
@@ -152,6 +155,7 @@ Item chainItem(const std::string& kind, Size size) {
     };
     item.twin = [work](int copy) {
         const TwinSettings& settings = work->stream.twin;
+        work->clearMask();
         reference::Cal2DPoint2(settings, work->mask.get(), work->frame(copy), work->points);
         reference::undistortPoints2(settings, work->points);
         reference::Cal3DPoint1(settings, work->mask.get(), work->points, work->profile);
@@ -160,7 +164,6 @@ Item chainItem(const std::string& kind, Size size) {
         reference::Gaussianfilter(work->profile, kGaussHalfWindow);
         reference::Downsample(work->profile, kStep, work->thinned, work->thinnedCount);
     };
-    item.restore = [work](int) { work->clearMask(); };
     item.digest = [work](int) { return Digest().add(work->thinned).add(work->thinnedCount).value(); };
     return item;
 }
@@ -211,6 +214,7 @@ Item otsu3Item(const std::string& kind, Size size) {
     item.twin = [work](int copy) {
         reference::Otsu3(work->stream.twin, work->out.data(), work->labels.data(), work->frame(copy));
     };
+    item.changesInput = true;
     item.restore = [work](int copy) { work->restoreFrame(copy); };
     item.digest = [work](int copy) {
         return Digest().add(work->out).add(work->labels).add(work->frame(copy), work->size.pixels()).value();
@@ -328,6 +332,16 @@ std::vector<ItemMaker> frameItems(Size size) {
     add("AutoExposure, line fit", {"clean", "noisy"},
         [=](const std::string& kind) { return exposureItem(kind, size, true); });
     return items;
+}
+
+Item makeExtraction(const std::string& name, const std::string& kind, Size size) {
+    const auto* method = std::find_if(kExtractions.begin(), kExtractions.end(),
+                                      [&](const Extraction& candidate) { return candidate.name == name; });
+    if (method == kExtractions.end()) throw std::invalid_argument("there is no method called " + name);
+    Item item = extractionItem(*method, kind, size);
+    item.method = name;
+    item.input = kind;
+    return item;
 }
 
 std::vector<ItemMaker> allItems(Size size) {

@@ -58,9 +58,15 @@ Frames makeFrames(const std::string& kind, Size size, double exposure) {
     return frames;
 }
 
+using KeptFrames = std::map<std::tuple<std::string, int, int, double>, Frames>;
+
+KeptFrames& keptFrames() {
+    static KeptFrames kept;
+    return kept;
+}
+
 Frames keptFrames(const std::string& kind, Size size, double exposure) {
-    static std::map<std::tuple<std::string, int, int, double>, Frames> kept;
-    Frames& frames = kept[{kind, size.width, size.height, exposure}];
+    Frames& frames = keptFrames()[{kind, size.width, size.height, exposure}];
     if (!frames) frames = makeFrames(kind, size, exposure);
     return frames;
 }
@@ -80,7 +86,10 @@ scenes::Scene sceneOfKind(const std::string& kind) {
     constexpr double kBackground = 10.0;
     constexpr double kNoise = 3.0;
     const bool hard = kind == "hard" || kind == "few greys";
-    scenes::Scene scene = scenes::makeScene(hard ? "hard" : kind == "clean" || kind == "blob" ? "gauge-block" : kind);
+    const bool specks = kind.find(" specks") != std::string::npos;
+    const bool clean = kind == "clean" || kind == "blob" || specks;
+    scenes::Scene scene = scenes::makeScene(hard ? "hard" : clean ? "gauge-block" : kind);
+    if (specks) scene.look.specksPerColumn = std::stod(kind);
     if (hard || kind == "dark") {
         scene.look.background = kBackground;
         scene.look.backgroundRipple = 0.0;
@@ -103,6 +112,10 @@ Frames framesOfKind(const std::string& kind, Size size) {
 Frames brightFramesOfKind(const std::string& kind, Size size) {
     constexpr double kExposure = 3.0;
     return keptFrames(kind, size, kExposure);
+}
+
+void forgetFrames() {
+    std::erase_if(keptFrames(), [](const auto& entry) { return entry.second.use_count() == 1; });
 }
 
 std::shared_ptr<const Measured> measuredProfiles(int columns) {

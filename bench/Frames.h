@@ -39,11 +39,14 @@ scenes::Sensor curvedSheetSensorOfSize(Size size);
 ///   noisy      clean in noise that crosses every threshold
 ///   few greys  hard, cut down to four grey levels
 ///   blob       clean with a saturated blob that hangs from the top edge
+///   N specks   clean with N bright specks in a column
 scenes::Scene sceneOfKind(const std::string& kind);
 
 /// As many different frames as it takes to exceed the second-level cache. Made once for each kind and size.
 using Frames = std::shared_ptr<std::vector<Bytes>>;
 Frames framesOfKind(const std::string& kind, Size size);
+/// Gives back the memory of frames that no item uses.
+void forgetFrames();
 /// The same scenes with three times the exposure.
 Frames brightFramesOfKind(const std::string& kind, Size size);
 /// Renders without keeping.

@@ -116,4 +116,14 @@ Goal goalOf(const std::string& method, const std::string& input, Size size) {
     return goal;
 }
 
+std::vector<std::string> namesWithGoals() {
+    std::vector<std::string> names;
+    const auto take = [&](const auto& rows) {
+        for (const Row& row : rows) names.push_back(std::string(row.method) + " " + std::string(row.input));
+    };
+    take(kFrameGoals);
+    take(kProfileGoals);
+    return names;
+}
+
 }  // namespace bench

@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "bench/Frames.h"
 
@@ -22,6 +23,9 @@ struct Goal {
 
 /// The goal of a method on an input, or none. Most hold for frames of 1280 x 1024 and profiles of 1280 points.
 Goal goalOf(const std::string& method, const std::string& input, Size size);
+
+/// "method input" of every item that has one.
+std::vector<std::string> namesWithGoals();
 
 /// A goal counts as missed from here on.
 inline constexpr double kMissedBy = 1.1;

@@ -17,7 +17,7 @@ namespace bench {
 using Call = std::function<void(int copy)>;
 
 /// The same work for several who do it. All of them find the inputs in the same state: each was touched as many calls
-/// ago as there are copies, so frames come from beyond the second-level cache.
+/// ago as there are copies, so frames come from the third-level cache, and profiles from the second.
 struct Item {
     std::string method;
     std::string input;
@@ -34,6 +34,7 @@ struct Item {
     std::string otherName;  ///< what a practitioner would write otherwise; empty for nothing
     Call other;
 
+    bool changesInput = false;  ///< a call changes its input, so the input is restored before it serves again
     /// Gives a changed input its old contents and clears the outputs. Called after the clock was read, so that the
     /// input lies untouched for as many calls as any other.
     Call restore;
@@ -55,6 +56,9 @@ std::vector<ItemMaker> allItems(Size size);
 /// The two halves of it.
 std::vector<ItemMaker> frameItems(Size size);
 std::vector<ItemMaker> profileItems(int columns);
+
+/// One of the six extraction methods on frames of any kind.
+Item makeExtraction(const std::string& name, const std::string& kind, Size size);
 
 }  // namespace bench
 

@@ -55,6 +55,7 @@ Item filterItem(int columns, LibraryCall library, TwinCall twin) {
     Item item = itemOn(work);
     item.library = [=](int copy) { library(work->stream.library, work->profileOf(copy)); };
     item.twin = [=](int copy) { twin(work->profileOf(copy)); };
+    item.changesInput = true;
     item.restore = [work](int copy) {
         work->profileOf(copy) = work->measured->profiles[static_cast<std::size_t>(copy)];
     };
@@ -91,6 +92,7 @@ Item undistortItem(int columns) {
     item.library = [=](int copy) { work->stream.library.undistortPoints2(work->pointsOf(copy)); };
     item.twin = [=](int copy) { reference::undistortPoints2(work->stream.twin, work->pointsOf(copy)); };
     other::setUndistort(item, work->measured, work->stream.twin.calibration);
+    item.changesInput = true;
     item.restore = [work](int copy) { work->pointsOf(copy) = work->measured->points[static_cast<std::size_t>(copy)]; };
     item.digest = [work](int copy) { return Digest().add(work->pointsOf(copy)).value(); };
     return item;

@@ -2,9 +2,11 @@
 // side by side in one run.
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <regex>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -145,6 +147,13 @@ Options readOptions(int argc, char** argv) {
     return options;
 }
 
+void requireItemForEveryGoal(const std::vector<bench::ItemMaker>& items) {
+    for (const std::string& name : bench::namesWithGoals()) {
+        if (std::none_of(items.begin(), items.end(), [&](const auto& item) { return item.name() == name; }))
+            throw std::runtime_error("there is a goal for \"" + name + "\", and no such item");
+    }
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -155,9 +164,11 @@ int main(int argc, char** argv) {
         if (!options.markdown)
             std::printf("frames of %d x %d, D = %s\n", options.size.width, options.size.height,
                         options.plan.chosen->name);
+        const std::vector<bench::ItemMaker> items = bench::allItems(options.size);
+        requireItemForEveryGoal(items);
         printHeader(options.markdown);
         int missed = 0;
-        for (const bench::ItemMaker& maker : bench::allItems(options.size)) {
+        for (const bench::ItemMaker& maker : items) {
             if (!std::regex_search(maker.name(), filter)) continue;
             const Item item = maker.make();
             const Goal goal = bench::goalOf(item.method, item.input, options.size);

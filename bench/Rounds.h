@@ -6,6 +6,7 @@
 
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "bench/Goals.h"
 #include "bench/Items.h"
@@ -47,6 +48,9 @@ struct Figures {
 /// Where the item has threads, its goals count passes on top of the threads, and the ratios come out as the time over
 /// threads and that many passes.
 Figures measure(const Item& item, const Goal& goal, const Plan& plan);
+
+/// The library alone: the median time of a call for each of several items, measured in turn.
+std::vector<double> medianTimes(const std::vector<Item>& items, const Plan& plan);
 
 /// Holds library and twin against each other on every input; throws std::runtime_error where they differ.
 void requireSameResults(const Item& item);
