@@ -12,26 +12,30 @@ namespace {
 
 constexpr int kBright = 60;  // grey levels; pixels above it count for a column's mean, which is at least this
 
-// The mean of each column's bright pixels, at least kBright and at most the cap.
-std::vector<int> columnThresholds(const ImageView& image, int cap) {
-    std::vector<int> thresholds(static_cast<std::size_t>(image.width), kBright);
-    // The first and last row count no more than they are searched.
-    if (image.height < 3) return thresholds;
-    std::vector<kernels::ColumnSum> bright(thresholds.size(), {0, 0});
-    kernels::active().sumAbove(image.row(1), image.width, image.height - 2, kBright, bright.data());
-
-    for (std::size_t c = 0; c < thresholds.size(); ++c) {
-        // The cap does not reach a column without a bright pixel. This is meant.
-        if (bright[c].count == 0) continue;
-        const int mean = static_cast<int>(bright[c].sum / bright[c].count);
-        thresholds[c] = std::min(cap, std::max(mean, kBright));
-    }
-    return thresholds;
+// The bright pixels of each column. The first and last row count no more than they are searched.
+std::vector<kernels::ColumnSum> sumBrightPixels(const ImageView& image) {
+    std::vector<kernels::ColumnSum> bright(static_cast<std::size_t>(image.width), {0, 0});
+    if (image.height > 2)
+        kernels::active().sumAbove(image.row(1), image.width, image.height - 2, kBright, bright.data());
+    return bright;
 }
 
 class AdaptiveThreshold {
 public:
-    AdaptiveThreshold(const ImageView& image, int cap) : perColumn_(columnThresholds(image, cap)) {}
+    // The mean of each column's bright pixels, at least kBright and at most the cap, which does not reach a column
+    // without a bright pixel. This is meant.
+    AdaptiveThreshold(const ImageView& image, int cap) : perColumn_(static_cast<std::size_t>(image.width), kBright) {
+        const auto bright = sumBrightPixels(image);
+        for (std::size_t c = 0; c < perColumn_.size(); ++c) {
+            if (bright[c].count == 0) continue;
+            const int mean = static_cast<int>(bright[c].sum / bright[c].count);
+            perColumn_[c] = std::min(cap, std::max(mean, kBright));
+            anyBright_ = true;
+        }
+    }
+
+    // Without a bright pixel no stripe starts anywhere.
+    bool anyBright() const { return anyBright_; }
 
     const int* searchThresholds() const { return perColumn_.data(); }
 
@@ -42,6 +46,7 @@ public:
 
 private:
     std::vector<int> perColumn_;
+    bool anyBright_ = false;
 };
 
 }  // namespace
@@ -51,6 +56,7 @@ void Cal2DPoint3(const AlgoContext& context, bool* mask, const unsigned char* im
     points.assign(static_cast<std::size_t>(view.width), {0.0, 0.0});
 
     const AdaptiveThreshold thresholds(view, cap);
+    if (!thresholds.anyBright()) return moveToSensor(context.roi, points);
     trackStripe(context, view, thresholds, mask, points);
 }
 
