@@ -38,7 +38,7 @@ void countCalls(const Options& options) {
         // The first call of all is not counted: it finds its symbols, and its memory.
         const bench::Item item = maker.make();
         item.library(0);
-        if (item.restore) item.restore(0);
+        if (item.changesInput) item.restore(0);
         const int calls = std::min(options.times, item.copies);
         CALLGRIND_START_INSTRUMENTATION;
         for (int copy = 0; copy < calls; ++copy) item.library(copy);

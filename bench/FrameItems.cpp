@@ -26,6 +26,14 @@ struct FrameWork {
     unsigned char* frame(int copy) { return (*frames)[static_cast<std::size_t>(copy)].data(); }
     std::size_t columns() const { return static_cast<std::size_t>(size.width); }
     void clearMask() { std::fill_n(mask.get(), columns(), false); }
+    void clearOutputs() {
+        clearMask();
+        points.clear();
+        thinned.clear();
+        thinnedCount = -1;
+        std::fill(out.begin(), out.end(), static_cast<unsigned char>(0));
+        std::fill(labels.begin(), labels.end(), 0);
+    }
 
     /// For methods that change the frame: gives them frames of their own.
     void ownFrames() {
@@ -56,6 +64,7 @@ Item itemOn(const Shared& work, const char* floorName) {
     item.columns = work->size.width;
     item.copies = static_cast<int>(work->frames->size());
     item.floorName = floorName;
+    item.clearOutputs = [work] { work->clearOutputs(); };
     return item;
 }
 
@@ -118,10 +127,7 @@ Item extractionItem(const Extraction& method, const std::string& kind, Size size
         item, std::string(method.name) == "Cal2DPoint2_1", [work](int copy) { return work->frame(copy); }, size,
         kThreshold);
     item.changesInput = method.cutsTheFrame;
-    item.restore = [work, method](int copy) {
-        work->clearMask();
-        if (method.cutsTheFrame) work->restoreFrame(copy);
-    };
+    if (method.cutsTheFrame) item.restore = [work](int copy) { work->restoreFrame(copy); };
     item.digest = [work, method](int copy) {
         Digest digest;
         if (method.cutsTheFrame) digest.add(work->frame(copy), work->size.pixels());
@@ -296,6 +302,7 @@ Item exposureItem(const std::string& kind, Size size, bool changes) {
             reference::AutoExposure(work->stream.twin, exposures->state, work->frame(copy), kTarget, exposures->twin,
                                     kLeast, kMost, kStepOfExposure, true, exposures->proposal);
     };
+    item.clearOutputs = [exposures] { exposures->proposal = 0.0; };
     item.digest = [=](int) { return Digest().add(exposures->proposed).add(exposures->proposal).value(); };
     return item;
 }

@@ -35,9 +35,12 @@ struct Item {
     Call other;
 
     bool changesInput = false;  ///< a call changes its input, so the input is restored before it serves again
-    /// Gives a changed input its old contents and clears the outputs. Called after the clock was read, so that the
-    /// input lies untouched for as many calls as any other.
+    /// Gives a changed input its old contents. Called after the clock was read, so that the input lies untouched for as
+    /// many calls as any other.
     Call restore;
+
+    /// Forgets what the last call wrote.
+    std::function<void()> clearOutputs;
     /// Of everything that a call on this input wrote: the same for library and twin.
     std::function<std::uint64_t(int copy)> digest;
 };

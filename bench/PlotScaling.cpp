@@ -5,6 +5,7 @@
 #include <map>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "common/Failure.h"
@@ -56,10 +57,9 @@ struct Quantity {
     double standard;  // value at which the relative time is 1; 0 for the first one
 };
 
-constexpr std::array<Quantity, 3> kQuantities = {
-    {{"width", "hard frames, 1024 rows", "columns", 1280.0},
-     {"height", "hard frames, 1280 columns", "rows", 1024.0},
-     {"candidates", "1280 x 1024, one stripe and specks", "candidates in a column", 0.0}}};
+constexpr std::array<Quantity, 3> kQuantities = {{{"width", "1024 rows", "columns", 1280.0},
+                                                  {"height", "1280 columns", "rows", 1024.0},
+                                                  {"candidates", "1280 x 1024", "candidates in a column", 0.0}}};
 
 constexpr std::array kColours = {examples::colours::kBlue, examples::colours::kOrange, examples::colours::kGreen,
                                  examples::colours::kRed,  examples::colours::kBlack,  examples::colours::kGrey};
@@ -80,7 +80,7 @@ Panel panelOf(const Quantity& quantity, const std::map<std::string, Series>& met
         Curve curve;
         curve.x = series.values;
         for (const double time : series.times) curve.y.push_back(time / timeAtStandard(series, quantity.standard));
-        curve.label = method.substr(std::string("Cal2DPoint").size());
+        curve.label = method.substr(std::string_view("Cal2D").size());  // the names take the panel's width
         curve.colour = kColours[panel.curves.size() % kColours.size()];
         allValues.insert(allValues.end(), curve.x.begin(), curve.x.end());
         allTimes.insert(allTimes.end(), curve.y.begin(), curve.y.end());
@@ -92,23 +92,23 @@ Panel panelOf(const Quantity& quantity, const std::map<std::string, Series>& met
 }
 
 void plot(const std::string& from, const std::string& to) {
-    constexpr int kWidth = 1500;
-    constexpr int kHeight = 460;
-    constexpr int kPanelWidth = 400;
-    constexpr int kPitch = 495;
+    constexpr int kWidth = 1000;
+    constexpr int kHeight = 1140;
     constexpr int kLeft = 80;
-    constexpr int kTop = 60;
-    constexpr int kBottom = 390;
+    constexpr int kRight = 980;
+    constexpr int kTop = 40;
+    constexpr int kPanelHeight = 270;
+    constexpr int kPitch = 375;
     const Table table = readTable(from);
     std::vector<Panel> panels;
     for (const Quantity& quantity : kQuantities) {
         const auto methods = table.find(quantity.name);
         if (methods == table.end()) throw Failure(from + ": nothing about " + quantity.name);
         Panel panel = panelOf(quantity, methods->second);
-        panel.left = kLeft + kPitch * static_cast<int>(panels.size());
-        panel.right = panel.left + kPanelWidth;
-        panel.top = kTop;
-        panel.bottom = kBottom;
+        panel.left = kLeft;
+        panel.right = kRight;
+        panel.top = kTop + kPitch * static_cast<int>(panels.size());
+        panel.bottom = panel.top + kPanelHeight;
         panels.push_back(panel);
     }
     examples::writePng(to, examples::drawPlot(kWidth, kHeight, panels));

@@ -1,5 +1,7 @@
 // What starts from 2D points or a profile.
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 
 #include "bench/Digest.h"
@@ -44,6 +46,10 @@ Item itemOn(const Shared& work) {
     item.floor = [work](int copy) {
         const Profile& profile = work->profileOf(copy);
         readOnce(profile.data(), profile.size() * sizeof(profile.front()));
+    };
+    item.clearOutputs = [work] {
+        work->out.clear();
+        work->count = -1;
     };
     return item;
 }
@@ -140,6 +146,7 @@ Item polynomialItem(int columns) {
     Item item = itemOn(work);
     item.library = [=](int copy) { *result = work->stream.library.polynomialFit(of(copy).x, of(copy).z, kDegree); };
     item.twin = [=](int copy) { *result = reference::polynomialFit(of(copy).x, of(copy).z, kDegree); };
+    item.clearOutputs = [result] { result->clear(); };
     item.digest = [result](int) { return Digest().add(*result).value(); };
     return item;
 }
@@ -164,6 +171,7 @@ Item transformItem() {
     item.copies = kPlanes;
     item.library = [work](int copy) { work->library.CalRT(work->planes[copy], work->rt); };
     item.twin = [work](int copy) { reference::CalRT(work->planes[copy], work->rt); };
+    item.clearOutputs = [work] { std::fill(std::begin(work->rt), std::end(work->rt), 0.0); };
     item.digest = [work](int) { return Digest().add(work->rt, std::size(work->rt)).value(); };
     return item;
 }

@@ -162,14 +162,20 @@ Figures measure(const Item& item, const Goal& goal, const Plan& plan) {
     figures.chosenOverTwin = *ratio(chosen, nullptr, 1.0, &twin);
     if (item.other) figures.chosenOverOther = ratio(chosen, nullptr, 1.0, &other);
 
-    // The tail: single calls.
+    // The tail: single calls, but not for ever.
     if (plan.singleCalls > 0) {
+        constexpr double kPatience = 4.0;  // times the rounds' time
+        constexpr int kLeastCallsForTail = 1000;
         Contender single{item.library, plan.chosen, item.changesInput};
-        for (int i = 0; i < plan.singleCalls; ++i) single.times.push_back(race.timeOf(single));
+        const double startOfCalls = wallSeconds();
+        do {
+            single.times.push_back(race.timeOf(single));
+        } while (static_cast<int>(single.times.size()) < plan.singleCalls &&
+                 wallSeconds() - startOfCalls < kPatience * plan.seconds);
         std::sort(single.times.begin(), single.times.end());
         constexpr double kShare = 0.999;
         const auto rank = static_cast<std::size_t>(std::ceil(kShare * static_cast<double>(single.times.size())));
-        figures.tail = single.times[rank - 1];
+        if (single.times.size() >= kLeastCallsForTail) figures.tail = single.times[rank - 1];
         figures.longest = single.times.back();
     }
     return figures;
@@ -195,10 +201,10 @@ std::vector<double> medianTimes(const std::vector<Item>& items, const Plan& plan
 void requireSameResults(const Item& item) {
     for (int copy = 0; copy < item.copies; ++copy) {
         const auto digestOf = [&](const Call& call) {
-            if (item.restore) item.restore(copy);
+            item.clearOutputs();
             call(copy);
             const std::uint64_t digest = item.digest(copy);
-            if (item.restore) item.restore(copy);
+            if (item.changesInput) item.restore(copy);
             return digest;
         };
         if (digestOf(item.library) != digestOf(item.twin))

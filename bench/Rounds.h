@@ -25,7 +25,7 @@ struct Plan {
     double seconds = 1.0;  ///< for the rounds of one item
     int leastRounds = 9;
     int mostRounds = 1000;
-    int singleCalls = 1000;  ///< timed one by one, for the tail
+    int singleCalls = 1000;  ///< timed one by one, for the tail; fewer where they take four times `seconds`
     const KernelSet* chosen = nullptr;
     const KernelSet* capped = nullptr;  ///< null where there is no SSE2
 };
@@ -41,8 +41,8 @@ struct Figures {
     std::optional<double> cappedOverFloor;
     double chosenOverTwin = 0.0;
     std::optional<double> chosenOverOther;
-    std::optional<double> tail;  ///< the time that one call of a thousand exceeds
-    std::optional<double> longest;
+    std::optional<double> tail;     ///< the time that one single call of a thousand exceeds, where there were as many
+    std::optional<double> longest;  ///< of the single calls
 };
 
 /// Where the item has threads, its goals count passes on top of the threads, and the ratios come out as the time over
