@@ -197,6 +197,24 @@ struct KernelSet {
     /// @param smoothed receives one per height, and has kLaneRoom
     void (*smoothHeights)(const double* heights, std::size_t count, const double* weights, std::size_t reach,
                           double step, double* smoothed);
+
+    /// Lists the points of [first, end) whose x and z are both not 0.0, in their order.
+    /// @param x, z, positions have room for all points and kLaneRoom; a position is a point's index
+    /// @return their number
+    std::size_t (*listUsable)(const double* points, std::size_t first, std::size_t end, double* x, double* z,
+                              std::int32_t* positions);
+
+    /// Moves the positions of outliers to the front. An outlier has, among the points -w .. w - 1 places from it, at
+    /// most w with a depth z less than `threshold` from its own, itself included, and at most w others with a direction
+    /// near its own. A direction is the slope dx/dz from a point's predecessor; the first two points have none, and a
+    /// point whose slope rounds to 0 in single precision is near no other.
+    /// @param x one per point, and kLaneRoom
+    /// @param z one per point, with w before and w + kLaneRoom behind them, which are not a number
+    /// @param slopeBound how far from a point's own slope, rounded to single precision, another one must not be
+    /// @param slopes room for one per point, and kLaneRoom
+    /// @return their number
+    std::size_t (*keepOutliers)(const double* x, const double* z, std::size_t count, std::size_t w, double threshold,
+                                double slopeBound, double* slopes, std::int32_t* positions);
 };
 
 /// The fastest set that the processor has and the build allows. Always the same one within a process.

@@ -1,67 +1,48 @@
 // Outlierdetect1: a point stays when enough of its neighbours agree with its depth, or with the local direction of the
 // profile. All decisions are taken on the unchanged profile.
 
-#include <cmath>
+#include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <limits>
+#include <memory>
 
-#include "profile/ValidPoints.h"
+#include "kernels/kernels.h"
 #include "profile/profile.h"
 
 namespace KORVANELASERALGO::profile {
 namespace {
 
-constexpr double kDirectionTolerance = 0.3;  // of the slope dx/dz, exclusive
-
-bool isUsable(const tagKorvaneLaserPoint3d& point) {
-    return point.x != 0.0 && point.z != 0.0;
-}
-
-// The change of x per change of z from each usable point's predecessor to it; the first has none.
-std::vector<double> segmentSlopes(const Profile& points) {
-    std::vector<double> slopes(points.size(), 0.0);
-    for (std::size_t i = 1; i < points.size(); ++i) {
-        slopes[i] = (points[i].x - points[i - 1].x) / (points[i].z - points[i - 1].z);
-    }
-    return slopes;
-}
-
-std::int64_t countAgreeingDepths(const Profile& points, Window window, std::size_t j, double threshold) {
-    std::int64_t count = 0;
-    for (std::size_t n = window.first; n < window.end; ++n) count += std::fabs(points[n].z - points[j].z) < threshold;
-    return count;
-}
-
-std::int64_t countAgreeingDirections(const std::vector<double>& slopes, Window window, std::size_t j) {
-    // The second point has a predecessor, yet no slope of its own: this is meant.
-    const float own = j >= 2 ? static_cast<float>(slopes[j]) : 0.0f;
-    if (own == 0.0f) return 0;
-
-    std::int64_t count = 0;
-    for (std::size_t n = window.first; n < window.end; ++n) {
-        if (n == 0 || n == j) continue;
-        const float difference = static_cast<float>(static_cast<double>(own) - slopes[n]);
-        count += static_cast<double>(std::fabs(difference)) < kDirectionTolerance;
-    }
-    return count;
-}
+// Directions agree when their difference, rounded to single precision, is less than 0.3. That is when it lies below the
+// middle of the two floats around 0.3, 0x1.333332p-2 and 0x1.333334p-2; the middle itself rounds to the upper one.
+constexpr double kDirectionBound = 0x1.333333p-2;
 
 }  // namespace
 
 void Outlierdetect1(Profile& profile, int halfWidth, float threshold) {
     const std::int64_t windowSize = 2 * std::int64_t{halfWidth} + 1;
     if (halfWidth < 0 || windowSize > INT32_MAX) return;
-    const ValidPoints usable = listPoints(profile, isUsable);
-    if (usable.size() < static_cast<std::size_t>(windowSize)) return;
-
-    const std::vector<double> slopes = segmentSlopes(usable.points);
     const std::size_t w = static_cast<std::size_t>(halfWidth);
-    for (std::size_t j = 0; j < usable.size(); ++j) {
-        // The neighbours -w .. w - 1; the one at +w is not visited: this is meant. Without a width there are none.
-        const Window window = w == 0 ? Window{j, j} : windowAround(j, w, w - 1, usable.size());
-        if (countAgreeingDepths(usable.points, window, j, static_cast<double>(threshold)) > halfWidth) continue;
-        if (countAgreeingDirections(slopes, window, j) > halfWidth) continue;
-        profile[usable.positions[j]] = {0.0, 0.0, 0.0};
-    }
+    const std::size_t points = profile.size();
+    if (points < 2 * w + 1) return;
+
+    // The usable points, in order, and where they come from.
+    const std::size_t room = points + kernels::kLaneRoom;
+    const auto numbers = std::make_unique_for_overwrite<double[]>(w + room + w + room + room);
+    double* const z = numbers.get() + w;
+    double* const x = z + room + w;
+    double* const slopes = x + room;
+    const auto positions = std::make_unique_for_overwrite<std::int32_t[]>(room);
+    const std::size_t usable = kernels::active().listUsable(&profile.data()->x, 0, points, x, z, positions.get());
+    if (usable < 2 * w + 1) return;
+
+    // A depth beyond the ends agrees with none.
+    constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
+    std::fill_n(z - w, w, kNone);
+    std::fill_n(z + usable, w + kernels::kLaneRoom, kNone);
+    const std::size_t outliers = kernels::active().keepOutliers(x, z, usable, w, static_cast<double>(threshold),
+                                                                kDirectionBound, slopes, positions.get());
+    for (std::size_t i = 0; i < outliers; ++i) profile[static_cast<std::size_t>(positions[i])] = {0.0, 0.0, 0.0};
 }
 
 }  // namespace KORVANELASERALGO::profile

@@ -152,6 +152,11 @@ TEST(Outlierdetect1, ThresholdIsWidenedToDouble) {
     EXPECT_TRUE(sameBits(filtered(above, 1, 0.1F), Profile(3, kEmptyPoint)));
 }
 
+TEST(Outlierdetect1, ThresholdThatIsNotANumberAgreesWithNoDepth) {
+    const Profile level = profileOfHeights(flat(40));
+    EXPECT_TRUE(sameBits(filtered(level, 3, static_cast<float>(kNotANumber)), Profile(40, kEmptyPoint)));
+}
+
 TEST(Outlierdetect1, FirstUsablePointIsAlwaysCleared) {
     for (int w = 1; w <= 5; ++w) {
         const Profile profile = withFront({kEmptyPoint, {0, 2, 3}}, profileOfHeights(flat(20)));
@@ -362,6 +367,16 @@ TEST(Outlierdetect1, LongProfilesFollowTheRule) {
             ASSERT_FALSE(sameBits(expected, profile));
             EXPECT_TRUE(sameBits(filtered(profile, w, threshold), expected)) << w << ", " << threshold;
         }
+    }
+}
+
+TEST(Outlierdetect1, InfiniteThresholdKeepsDepthsApartWhoseDifferenceOverflows) {
+    Profile profile = profileOfHeights(flat(64));
+    for (std::size_t i = 0; i < profile.size(); ++i) profile[i].z = i % 8 == 0 ? 1.0 : i % 2 == 0 ? 1e308 : -1e308;
+    for (int w : {1, 2, 5, 9}) {
+        const Profile expected = stepByStep(profile, w, static_cast<float>(kInfinity));
+        ASSERT_FALSE(sameBits(expected, withCleared(profile, {0})));
+        EXPECT_TRUE(sameBits(filtered(profile, w, static_cast<float>(kInfinity)), expected)) << w;
     }
 }
 

@@ -158,6 +158,25 @@ inline Doubles addWhere(DoubleMask mask, Doubles a, Doubles b) {
 
 inline constexpr unsigned kAllDoubles = (1u << Doubles::kCount) - 1;
 
+/// Of one bit per lane.
+inline std::size_t countBits(unsigned bits) {
+#if KORVANE_KERNEL_LEVEL > 1
+    return static_cast<std::size_t>(_mm_popcnt_u32(bits));
+#else
+    return (bits & 1) + (bits >> 1);
+#endif
+}
+
+/// Are `count` values, and those behind them up to a full lane, within `distance` of `centre`? Not a number is not.
+inline bool allWithin(const double* values, std::size_t count, double centre, double distance) {
+    const Doubles middle = Doubles::fill(centre);
+    const Doubles limit = Doubles::fill(distance);
+    DoubleMask within = less(absolute(Doubles::load(values) - middle), limit);
+    for (std::size_t i = Doubles::kCount; i < count; i += Doubles::kCount)
+        within = within & less(absolute(Doubles::load(values + i) - middle), limit);
+    return bitsOf(within) == kAllDoubles;
+}
+
 }  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET
 
 #endif  // KORVANE_KERNELS_LANES_DOUBLES_H

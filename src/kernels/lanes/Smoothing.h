@@ -13,17 +13,6 @@ namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 inline constexpr int kSmoothedLanes = 4;  // of a group
 
-// Are `count` values, and perhaps some behind them up to a full lane, within `distance` of `centre`? Not a number is
-// not.
-inline bool allWithin(const double* values, std::size_t count, double centre, double distance) {
-    const Doubles middle = Doubles::fill(centre);
-    const Doubles limit = Doubles::fill(distance);
-    DoubleMask within = less(absolute(Doubles::load(values) - middle), limit);
-    for (std::size_t i = Doubles::kCount; i < count; i += Doubles::kCount)
-        within = within & less(absolute(Doubles::load(values + i) - middle), limit);
-    return bitsOf(within) == kAllDoubles;
-}
-
 // All neighbours count.
 inline void smoothFlatGroup(const double* neighbours, const double* weights, std::size_t taps, double weightSum,
                             double* smoothed) {

@@ -20,14 +20,15 @@
 #include "kernels/lanes/SumAbove.h"
 #include "kernels/lanes/Transitions.h"
 #include "kernels/lanes/Undistort.h"
+#include "kernels/lanes/Votes.h"
 
 namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 extern const KernelSet kTable;
 const KernelSet kTable = {
-    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,    findStripeStarts, cutAndSum, copyAbove,
-    widenRanges,         copyWithMaxima,   subtractChange,  markAbove,   countMarks,       undistort, meetPlane,
-    meetSurface,         listHeights,      storeHeights,    findMedians, smoothHeights,
+    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,    findStripeStarts, cutAndSum,  copyAbove,
+    widenRanges,         copyWithMaxima,   subtractChange,  markAbove,   countMarks,       undistort,  meetPlane,
+    meetSurface,         listHeights,      storeHeights,    findMedians, smoothHeights,    listUsable, keepOutliers,
 };
 
 }  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET

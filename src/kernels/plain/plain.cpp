@@ -3,9 +3,9 @@
 namespace KORVANELASERALGO::kernels::plain {
 
 const KernelSet kTable = {
-    "plain",     findColumnMaxima, findTransitions, sumAbove,    findStripeStarts, cutAndSum, copyAbove,
-    widenRanges, copyWithMaxima,   subtractChange,  markAbove,   countMarks,       undistort, meetPlane,
-    meetSurface, listHeights,      storeHeights,    findMedians, smoothHeights,
+    "plain",     findColumnMaxima, findTransitions, sumAbove,    findStripeStarts, cutAndSum,  copyAbove,
+    widenRanges, copyWithMaxima,   subtractChange,  markAbove,   countMarks,       undistort,  meetPlane,
+    meetSurface, listHeights,      storeHeights,    findMedians, smoothHeights,    listUsable, keepOutliers,
 };
 
 }  // namespace KORVANELASERALGO::kernels::plain

@@ -33,6 +33,10 @@ std::size_t storeHeights(double* points, std::size_t count, const double* height
 bool findMedians(const double* heights, std::size_t count, int r, double* medians);
 void smoothHeights(const double* heights, std::size_t count, const double* weights, std::size_t reach, double step,
                    double* smoothed);
+std::size_t listUsable(const double* points, std::size_t first, std::size_t end, double* x, double* z,
+                       std::int32_t* positions);
+std::size_t keepOutliers(const double* x, const double* z, std::size_t count, std::size_t w, double threshold,
+                         double slopeBound, double* slopes, std::int32_t* positions);
 
 extern const KernelSet kTable;
 
