@@ -215,6 +215,10 @@ struct KernelSet {
     /// @return their number
     std::size_t (*keepOutliers)(const double* x, const double* z, std::size_t count, std::size_t w, double threshold,
                                 double slopeBound, double* slopes, std::int32_t* positions);
+
+    /// How many points in a row are not empty and lie less than `limit` from the point before, in x and in z.
+    /// @param points `count`, and one before the first
+    std::size_t (*countFollowers)(const double* points, std::size_t count, double limit);
 };
 
 /// The fastest set that the processor has and the build allows. Always the same one within a process.

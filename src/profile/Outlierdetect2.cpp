@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "kernels/kernels.h"
 #include "profile/ValidPoints.h"
 #include "profile/profile.h"
 
@@ -30,6 +31,18 @@ void Outlierdetect2(Profile& profile, int halfWidth, float threshold) {
     bool firstWaits = size == 1;
 
     for (std::size_t i = 1; i < profile.size(); ++i) {
+        // A run that is long enough loses no further member: on to the first point that does not follow at once.
+        if (size >= halfWidth && isValid(profile[i - 1])) {
+            const std::size_t followers = kernels::active().countFollowers(&profile[i].x, profile.size() - i, limit);
+            if (followers > 0) {
+                size += static_cast<std::int64_t>(followers);
+                i += followers;
+                last = profile[i - 1];
+                firstWaits = false;
+                if (i == profile.size()) break;
+            }
+        }
+
         const tagKorvaneLaserPoint3d point = profile[i];
         const bool usable = isValid(point);
 

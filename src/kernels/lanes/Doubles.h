@@ -52,6 +52,11 @@ inline DoubleMask notZero(Doubles a) {
 inline DoubleMask operator&(DoubleMask a, DoubleMask b) {
     return {static_cast<__mmask8>(a.bits & b.bits)};
 }
+/// Each lane from the one below it, the lowest from the highest of `before`.
+inline Doubles movedUp(Doubles before, Doubles a) {
+    const __m512i moved = _mm512_alignr_epi64(_mm512_castpd_si512(a.lanes), _mm512_castpd_si512(before.lanes), 7);
+    return {_mm512_castsi512_pd(moved)};
+}
 /// One bit per lane.
 inline unsigned bitsOf(DoubleMask mask) {
     return mask.bits;
@@ -100,6 +105,10 @@ inline DoubleMask notZero(Doubles a) {
 inline DoubleMask operator&(DoubleMask a, DoubleMask b) {
     return {_mm256_and_pd(a.lanes, b.lanes)};
 }
+inline Doubles movedUp(Doubles before, Doubles a) {
+    const __m256d middle = _mm256_permute2f128_pd(before.lanes, a.lanes, 0x21);
+    return {_mm256_shuffle_pd(middle, a.lanes, 5)};
+}
 inline unsigned bitsOf(DoubleMask mask) {
     return static_cast<unsigned>(_mm256_movemask_pd(mask.lanes));
 }
@@ -146,6 +155,9 @@ inline DoubleMask notZero(Doubles a) {
 }
 inline DoubleMask operator&(DoubleMask a, DoubleMask b) {
     return {_mm_and_pd(a.lanes, b.lanes)};
+}
+inline Doubles movedUp(Doubles before, Doubles a) {
+    return {_mm_shuffle_pd(before.lanes, a.lanes, 1)};
 }
 inline unsigned bitsOf(DoubleMask mask) {
     return static_cast<unsigned>(_mm_movemask_pd(mask.lanes));

@@ -9,6 +9,7 @@
 #include "kernels/lanes/CopyAbove.h"
 #include "kernels/lanes/CopyWithMaxima.h"
 #include "kernels/lanes/CutAndSum.h"
+#include "kernels/lanes/Followers.h"
 #include "kernels/lanes/GreyRanges.h"
 #include "kernels/lanes/LightSheet.h"
 #include "kernels/lanes/Marks.h"
@@ -26,9 +27,10 @@ namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 extern const KernelSet kTable;
 const KernelSet kTable = {
-    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,    findStripeStarts, cutAndSum,  copyAbove,
-    widenRanges,         copyWithMaxima,   subtractChange,  markAbove,   countMarks,       undistort,  meetPlane,
-    meetSurface,         listHeights,      storeHeights,    findMedians, smoothHeights,    listUsable, keepOutliers,
+    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,       findStripeStarts, cutAndSum,
+    copyAbove,           widenRanges,      copyWithMaxima,  subtractChange, markAbove,        countMarks,
+    undistort,           meetPlane,        meetSurface,     listHeights,    storeHeights,     findMedians,
+    smoothHeights,       listUsable,       keepOutliers,    countFollowers,
 };
 
 }  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET

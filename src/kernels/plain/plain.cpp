@@ -3,9 +3,10 @@
 namespace KORVANELASERALGO::kernels::plain {
 
 const KernelSet kTable = {
-    "plain",     findColumnMaxima, findTransitions, sumAbove,    findStripeStarts, cutAndSum,  copyAbove,
-    widenRanges, copyWithMaxima,   subtractChange,  markAbove,   countMarks,       undistort,  meetPlane,
-    meetSurface, listHeights,      storeHeights,    findMedians, smoothHeights,    listUsable, keepOutliers,
+    "plain",       findColumnMaxima, findTransitions, sumAbove,       findStripeStarts, cutAndSum,
+    copyAbove,     widenRanges,      copyWithMaxima,  subtractChange, markAbove,        countMarks,
+    undistort,     meetPlane,        meetSurface,     listHeights,    storeHeights,     findMedians,
+    smoothHeights, listUsable,       keepOutliers,    countFollowers,
 };
 
 }  // namespace KORVANELASERALGO::kernels::plain
