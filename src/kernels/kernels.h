@@ -219,6 +219,10 @@ struct KernelSet {
     /// How many points in a row are not empty and lie less than `limit` from the point before, in x and in z.
     /// @param points `count`, and one before the first
     std::size_t (*countFollowers)(const double* points, std::size_t count, double limit);
+
+    /// For each point, x over `width`, truncated toward zero; the smallest integer where it has no 32-bit integer.
+    /// @return the number of points that are not empty
+    std::size_t (*numberBuckets)(const double* points, std::size_t count, double width, std::int32_t* buckets);
 };
 
 /// The fastest set that the processor has and the build allows. Always the same one within a process.

@@ -5,11 +5,11 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <iterator>
+#include <memory>
 #include <stdexcept>
-#include <utility>
+#include <vector>
 
-#include "algo/Int32.h"
+#include "kernels/kernels.h"
 #include "profile/ValidPoints.h"
 #include "profile/profile.h"
 
@@ -18,34 +18,6 @@ namespace {
 
 constexpr std::size_t kPassedThrough = 10;  // valid points or fewer are not thinned
 constexpr double kStep = 5.0;               // length units; a height that differs by more starts the bucket anew
-
-// Points of the list that fall into one bucket.
-struct BucketEntry {
-    std::int64_t bucket;
-    std::size_t point;
-};
-
-// Truncates toward zero, so the bucket around x = 0 is twice as wide as the others: this is meant.
-std::int64_t bucketOf(double x, double width) {
-    return truncateToInt32(x / width);
-}
-
-// Each point's bucket, counted from the first point's, in the order of buckets and of points within a bucket. Points
-// outside 0 .. bucketCount - 1 are dropped. No table of buckets is kept: a profile may span billions of empty ones.
-std::vector<BucketEntry> sortIntoBuckets(const Profile& points, double width, std::int64_t bucketCount) {
-    const std::int64_t first = bucketOf(points.front().x, width);
-    std::vector<BucketEntry> entries;
-    entries.reserve(points.size());
-    for (std::size_t i = 0; i < points.size(); ++i) {
-        const std::int64_t bucket = bucketOf(points[i].x, width) - first;
-        if (bucket >= 0 && bucket < bucketCount) entries.push_back({bucket, i});
-    }
-    const auto before = [](const BucketEntry& a, const BucketEntry& b) { return a.bucket < b.bucket; };
-    if (!std::is_sorted(entries.begin(), entries.end(), before)) {
-        std::stable_sort(entries.begin(), entries.end(), before);
-    }
-    return entries;
-}
 
 // The mean of one bucket's points, in their order.
 class BucketMean {
@@ -58,6 +30,8 @@ public:
         }
         accumulate(point);
     }
+
+    bool isEmpty() const { return count_ == 0; }
 
     tagKorvaneLaserPoint3d mean() const {
         const double k = static_cast<double>(count_);
@@ -78,41 +52,86 @@ private:
     std::size_t count_ = 0;
 };
 
+// Adds the valid points up in the buckets that they number, counted from `first`; others are dropped.
+std::vector<BucketMean> fillBuckets(const Profile& points, const std::int32_t* numbers, std::int64_t first,
+                                    std::int64_t bucketCount) {
+    std::vector<BucketMean> buckets(static_cast<std::size_t>(bucketCount));
+    // Neighbours mostly share a bucket: the one in hand is put back when another one's turn comes.
+    BucketMean inHand;
+    std::int64_t bucket = 0;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const std::int64_t next = numbers[i] - first;
+        if (!isValid(points[i]) || next < 0 || next >= bucketCount) continue;
+        if (next != bucket) {
+            buckets[static_cast<std::size_t>(bucket)] = inHand;
+            inHand = buckets[static_cast<std::size_t>(next)];
+            bucket = next;
+        }
+        inHand.add(points[i]);
+    }
+    if (bucketCount > 0) buckets[static_cast<std::size_t>(bucket)] = inHand;
+    return buckets;
+}
+
+// Numbers the buckets first .. last that hold a point without gaps, from 0 on; a profile may span billions of empty
+// ones. Points in none of them get a number below 0.
+// @return how many hold a point
+std::int64_t renumber(const Profile& points, std::int32_t* numbers, std::int32_t first, std::int32_t last) {
+    std::vector<std::int32_t> occupied;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        if (isValid(points[i]) && numbers[i] >= first && numbers[i] <= last) occupied.push_back(numbers[i]);
+    }
+    std::ranges::sort(occupied);
+    occupied.erase(std::ranges::unique(occupied).begin(), occupied.end());
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const auto place = std::ranges::lower_bound(occupied, numbers[i]);
+        const bool found = place != occupied.end() && *place == numbers[i];
+        numbers[i] = found ? static_cast<std::int32_t>(place - occupied.begin()) : -1;
+    }
+    return static_cast<std::int64_t>(occupied.size());
+}
+
 }  // namespace
 
 void Downsample(const Profile& in, float step, Profile& out, int& count) {
-    Profile valid;
-    valid.reserve(in.size());
-    std::copy_if(in.begin(), in.end(), std::back_inserter(valid), isValid);
+    // Bucket numbers are truncated toward zero, so the bucket around x = 0 is twice as wide as the others: this is
+    // meant.
+    const double width = static_cast<double>(step);
+    const auto numbers = std::make_unique_for_overwrite<std::int32_t[]>(in.size());
+    const std::size_t valid =
+        in.empty() ? 0 : kernels::active().numberBuckets(&in.data()->x, in.size(), width, numbers.get());
 
     // Too few points, or a step that is not above their mean spacing (or not a number): all of them, unpadded.
-    const double width = static_cast<double>(step);
-    const auto isThinned = [&] {
-        if (valid.size() <= kPassedThrough) return false;
-        return width > (valid.back().x - valid.front().x) / static_cast<double>(valid.size() - 1);
-    };
-    if (!isThinned()) {
-        count = static_cast<int>(valid.size());
-        out = std::move(valid);
+    const auto firstValid = std::find_if(in.begin(), in.end(), isValid);
+    const auto lastValid = std::find_if(in.rbegin(), in.rend(), isValid);
+    const bool thinned =
+        valid > kPassedThrough && width > (lastValid->x - firstValid->x) / static_cast<double>(valid - 1);
+    if (!thinned) {
+        out.resize(valid);
+        std::copy_if(in.begin(), in.end(), out.begin(), isValid);
+        count = static_cast<int>(valid);
         return;
     }
 
-    const std::int64_t bucketCount = bucketOf(valid.back().x, width) - bucketOf(valid.front().x, width) + 1;
+    std::int64_t first = numbers[static_cast<std::size_t>(firstValid - in.begin())];
+    const std::int64_t last = numbers[static_cast<std::size_t>(in.rend() - lastValid) - 1];
+    std::int64_t bucketCount = last - first + 1;
     if (bucketCount < 0) throw std::length_error("vector too long");
-    const std::vector<BucketEntry> entries = sortIntoBuckets(valid, width, bucketCount);
+    // Only a negative step makes more buckets than points.
+    if (bucketCount > static_cast<std::int64_t>(in.size())) {
+        bucketCount = renumber(in, numbers.get(), static_cast<std::int32_t>(first), static_cast<std::int32_t>(last));
+        first = 0;
+    }
 
     // One point per bucket that is not empty, then empty points up to the size of the input.
-    Profile means;
-    means.reserve(in.size());
-    for (auto entry = entries.begin(); entry != entries.end();) {
-        BucketMean bucket;
-        const std::int64_t number = entry->bucket;
-        for (; entry != entries.end() && entry->bucket == number; ++entry) bucket.add(valid[entry->point]);
-        means.push_back(bucket.mean());
+    const std::vector<BucketMean> buckets = fillBuckets(in, numbers.get(), first, bucketCount);
+    out.resize(in.size());
+    auto end = out.begin();
+    for (const BucketMean& bucket : buckets) {
+        if (!bucket.isEmpty()) *end++ = bucket.mean();
     }
-    count = static_cast<int>(means.size());
-    means.resize(in.size(), {0.0, 0.0, 0.0});
-    out = std::move(means);
+    count = static_cast<int>(end - out.begin());
+    std::fill(end, out.end(), tagKorvaneLaserPoint3d{0.0, 0.0, 0.0});
 }
 
 }  // namespace KORVANELASERALGO::profile

@@ -4,7 +4,6 @@
 #ifndef KORVANE_PROFILE_HEIGHTLIST_H
 #define KORVANE_PROFILE_HEIGHTLIST_H
 
-#include <algorithm>
 #include <cstddef>
 #include <memory>
 

@@ -52,6 +52,10 @@ inline DoubleMask notZero(Doubles a) {
 inline DoubleMask operator&(DoubleMask a, DoubleMask b) {
     return {static_cast<__mmask8>(a.bits & b.bits)};
 }
+/// Truncates toward zero; gives the smallest integer where there is no 32-bit integer.
+inline void storeTruncated(std::int32_t* p, Doubles a) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), _mm512_cvttpd_epi32(a.lanes));
+}
 /// Each lane from the one below it, the lowest from the highest of `before`.
 inline Doubles movedUp(Doubles before, Doubles a) {
     const __m512i moved = _mm512_alignr_epi64(_mm512_castpd_si512(a.lanes), _mm512_castpd_si512(before.lanes), 7);
@@ -105,6 +109,9 @@ inline DoubleMask notZero(Doubles a) {
 inline DoubleMask operator&(DoubleMask a, DoubleMask b) {
     return {_mm256_and_pd(a.lanes, b.lanes)};
 }
+inline void storeTruncated(std::int32_t* p, Doubles a) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm256_cvttpd_epi32(a.lanes));
+}
 inline Doubles movedUp(Doubles before, Doubles a) {
     const __m256d middle = _mm256_permute2f128_pd(before.lanes, a.lanes, 0x21);
     return {_mm256_shuffle_pd(middle, a.lanes, 5)};
@@ -155,6 +162,9 @@ inline DoubleMask notZero(Doubles a) {
 }
 inline DoubleMask operator&(DoubleMask a, DoubleMask b) {
     return {_mm_and_pd(a.lanes, b.lanes)};
+}
+inline void storeTruncated(std::int32_t* p, Doubles a) {
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_cvttpd_epi32(a.lanes));
 }
 inline Doubles movedUp(Doubles before, Doubles a) {
     return {_mm_shuffle_pd(before.lanes, a.lanes, 1)};

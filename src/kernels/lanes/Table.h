@@ -5,6 +5,7 @@
 #ifndef KORVANE_KERNELS_LANES_TABLE_H
 #define KORVANE_KERNELS_LANES_TABLE_H
 
+#include "kernels/lanes/Buckets.h"
 #include "kernels/lanes/ColumnMaxima.h"
 #include "kernels/lanes/CopyAbove.h"
 #include "kernels/lanes/CopyWithMaxima.h"
@@ -30,7 +31,7 @@ const KernelSet kTable = {
     KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,       findStripeStarts, cutAndSum,
     copyAbove,           widenRanges,      copyWithMaxima,  subtractChange, markAbove,        countMarks,
     undistort,           meetPlane,        meetSurface,     listHeights,    storeHeights,     findMedians,
-    smoothHeights,       listUsable,       keepOutliers,    countFollowers,
+    smoothHeights,       listUsable,       keepOutliers,    countFollowers, numberBuckets,
 };
 
 }  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET

@@ -38,6 +38,7 @@ std::size_t listUsable(const double* points, std::size_t first, std::size_t end,
 std::size_t keepOutliers(const double* x, const double* z, std::size_t count, std::size_t w, double threshold,
                          double slopeBound, double* slopes, std::int32_t* positions);
 std::size_t countFollowers(const double* points, std::size_t count, double limit);
+std::size_t numberBuckets(const double* points, std::size_t count, double width, std::int32_t* buckets);
 
 extern const KernelSet kTable;
 
