@@ -93,28 +93,31 @@ struct GreyRanges {
     }
 };
 
-// The grey range of each column outside the mask.
-void findRanges(const ImageView& src, const BlobMask& mask, int firstColumn, int endColumn, GreyRanges& ranges) {
-    const auto widenOutsideBand = [&](int first, int end, int firstRow, int endRow) {
-        const int bandFirstColumn = std::clamp(mask.bandFirstColumn, first, end);
-        const int bandEndColumn = std::clamp(mask.bandEndColumn, bandFirstColumn, end);
-        const int bandEndRow = std::clamp(mask.bandEndRow, firstRow, endRow);
-        ranges.widen(src, first, bandFirstColumn, firstRow, bandEndRow);
-        ranges.widen(src, bandEndColumn, end, firstRow, bandEndRow);
-        ranges.widen(src, first, end, bandEndRow, endRow);
-    };
+// By those of the pixels that lie outside the band: left of it, right of it and below it.
+void widenOutsideBand(const ImageView& src, const BlobMask& mask, int firstColumn, int endColumn, int firstRow,
+                      int endRow, GreyRanges& ranges) {
+    const int bandFirstColumn = std::clamp(mask.bandFirstColumn, firstColumn, endColumn);
+    const int bandEndColumn = std::clamp(mask.bandEndColumn, bandFirstColumn, endColumn);
+    const int bandEndRow = std::clamp(mask.bandEndRow, firstRow, endRow);
+    ranges.widen(src, firstColumn, bandFirstColumn, firstRow, bandEndRow);
+    ranges.widen(src, bandEndColumn, endColumn, firstRow, bandEndRow);
+    ranges.widen(src, firstColumn, endColumn, bandEndRow, endRow);
+}
 
-    // Beside the blob by columns of one run length, and below it all together.
+// The grey range of each column outside the mask: beside the blob by columns of one run length, and below it all
+// together.
+void findRanges(const ImageView& src, const BlobMask& mask, int firstColumn, int endColumn, GreyRanges& ranges) {
     const std::vector<int>& runs = mask.topRuns;
     int blobEndRow = 0;
     for (int c = firstColumn; c < endColumn; ++c) blobEndRow = std::max(blobEndRow, runs[static_cast<std::size_t>(c)]);
-    for (int c = firstColumn; c < endColumn && blobEndRow > 0;) {
-        const int first = c;
-        const int run = runs[static_cast<std::size_t>(first)];
-        while (c < endColumn && runs[static_cast<std::size_t>(c)] == run) ++c;
-        widenOutsideBand(first, c, run, blobEndRow);
+    int nextColumn = firstColumn;
+    while (blobEndRow > 0 && nextColumn < endColumn) {
+        const int column = nextColumn;
+        const int row = runs[static_cast<std::size_t>(column)];
+        while (nextColumn < endColumn && runs[static_cast<std::size_t>(nextColumn)] == row) ++nextColumn;
+        widenOutsideBand(src, mask, column, nextColumn, row, blobEndRow, ranges);
     }
-    widenOutsideBand(firstColumn, endColumn, blobEndRow, src.height);
+    widenOutsideBand(src, mask, firstColumn, endColumn, blobEndRow, src.height, ranges);
 }
 
 // Thresholds the columns firstColumn .. endColumn - 1.

@@ -130,6 +130,7 @@ inline void storeRegisterAbove(Byte* p, Register v, Register level) {
 #endif
 
 inline constexpr int kRegisters = kLane / static_cast<int>(sizeof(Register));
+inline constexpr std::ptrdiff_t kRegisterPixels = sizeof(Register);
 
 struct Bytes {
     Register part[kRegisters];
@@ -142,18 +143,17 @@ struct Bytes {
     }
 
     static Bytes load(const Byte* p) {
-        return make([p](int i) { return loadRegister(p + i * static_cast<int>(sizeof(Register))); });
+        return make([p](int i) { return loadRegister(p + i * kRegisterPixels); });
     }
     static Bytes fill(Byte value) {
         return make([value](int) { return fillRegister(value); });
     }
     void store(Byte* p) const {
-        for (int i = 0; i < kRegisters; ++i) storeRegister(p + i * static_cast<int>(sizeof(Register)), part[i]);
+        for (int i = 0; i < kRegisters; ++i) storeRegister(p + i * kRegisterPixels, part[i]);
     }
     /// Stores the pixels above `level`. The others may be read and written back.
     void storeAbove(Byte* p, const Bytes& level) const {
-        for (int i = 0; i < kRegisters; ++i)
-            storeRegisterAbove(p + i * static_cast<int>(sizeof(Register)), part[i], level.part[i]);
+        for (int i = 0; i < kRegisters; ++i) storeRegisterAbove(p + i * kRegisterPixels, part[i], level.part[i]);
     }
 };
 
@@ -174,8 +174,7 @@ inline Bytes keepAtLeast(const Bytes& a, const Bytes& b) {
 
 inline Mask atLeast(const Bytes& a, const Bytes& b) {
     Mask mask = 0;
-    for (int i = 0; i < kRegisters; ++i)
-        mask |= atLeastRegister(a.part[i], b.part[i]) << (i * static_cast<int>(sizeof(Register)) % 64);
+    for (int i = 0; i < kRegisters; ++i) mask |= atLeastRegister(a.part[i], b.part[i]) << (i * kRegisterPixels % 64);
     return mask;
 }
 inline Mask above(const Bytes& a, const Bytes& b) {

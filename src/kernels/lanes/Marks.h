@@ -13,12 +13,10 @@ inline void markAbove(const Byte* pixels, std::size_t count, Byte level, std::ui
     const Bytes levels = Bytes::fill(level);
 
     std::size_t first = 0;
-    for (; first + kBandRows <= words; first += kBandRows, pixels += kBandRows * kLane) {
-        if (anyAbove(maxOfRows(pixels, kLane, kBandRows), levels)) {
-            for (int i = 0; i < kBandRows; ++i) marks[first + i] = above(Bytes::load(pixels + i * kLane), levels);
-        } else {
-            for (int i = 0; i < kBandRows; ++i) marks[first + i] = 0;
-        }
+    for (; first + kBandRows <= words; first += kBandRows) {
+        const bool any = anyAbove(maxOfRows(pixels, kLane, kBandRows), levels);
+        for (std::size_t i = 0; i < kBandRows; ++i, pixels += kLane)
+            marks[first + i] = any ? above(Bytes::load(pixels), levels) : 0;
     }
     plain::markAbove(pixels, count - first * kLane, level, marks + first);
 }
