@@ -7,47 +7,61 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdint>
+#include <cstdlib>
 #include <vector>
 
 #include "algo/ImageView.h"
 #include "image/image.h"
+#include "kernels/kernels.h"
 
 namespace KORVANELASERALGO::image {
 namespace {
 
-// `taps` weights whose sum is 1.
-std::vector<double> gaussianWeights(int taps) {
-    const std::int64_t r = taps / 2;
-    std::vector<double> weights(static_cast<std::size_t>(taps));
+constexpr int kStripRows = 32;  // filtered together, so that the vertical pass finds them in the cache
+
+// Weights farther out than this are 0 in double precision, and add nothing to any sum.
+constexpr int kLargestRadius = kernels::kLargestBlurRadius;  // pixels
+
+// From the centre outwards; both sides together have the sum 1.
+std::vector<double> gaussianWeights(int radius) {
+    std::vector<double> weights;
+    for (int i = 0; i <= radius; ++i) weights.push_back(std::exp(static_cast<double>(-(i * i)) * 0.5));
     double sum = 0.0;
-    for (std::int64_t i = -r; i <= r; ++i) {
-        double& weight = weights[static_cast<std::size_t>(i + r)];
-        weight = std::exp(static_cast<double>(-(i * i)) * 0.5);
-        sum += weight;
-    }
+    for (int i = -radius; i <= radius; ++i) sum += weights[static_cast<std::size_t>(std::abs(i))];
     for (double& weight : weights) weight /= sum;
     return weights;
 }
 
-unsigned char truncateToGrey(double value) {
-    return static_cast<unsigned char>(std::clamp(value, 0.0, 255.0));
-}
+// A window of horizontally filtered rows moves down the image. It begins with replicas of the first row and ends with
+// replicas of the last one; from one strip to the next it keeps the rows that output rows still need above them.
+void blur(const ImageView& source, const MutableImageView& destination, int radius) {
+    const std::vector<double> weights = gaussianWeights(radius);
+    const int stripRows = std::min(kStripRows, source.height);
+    const int windowRows = stripRows + 3 * radius;
+    const std::size_t width = static_cast<std::size_t>(source.width);
+    std::vector<unsigned char> bytes(static_cast<std::size_t>(windowRows) * width);
+    const MutableImageView window({0, 0, source.width, windowRows}, bytes.data());
 
-// Filters a row in place; `padded` has room for the row and its replicated ends.
-void filterRow(unsigned char* row, std::size_t width, const std::vector<double>& weights,
-               std::vector<unsigned char>& padded) {
-    const std::size_t r = weights.size() / 2;
-    std::fill_n(padded.begin(), r, row[0]);
-    std::copy_n(row, width, padded.data() + r);
-    std::fill_n(padded.data() + r + width, r, row[width - 1]);
+    int filled = 0;  // rows of the window
+    const auto append = [&](int replicatedRow) {
+        for (int i = 0; i < radius; ++i) std::copy_n(source.row(replicatedRow), width, window.row(filled++));
+    };
+    append(0);
+    int nextRow = 0;  // of the destination
+    for (int r = 0; r < source.height; r += stripRows) {
+        const int rows = std::min(stripRows, source.height - r);
+        kernels::active().blurRows(source.row(r), source.width, rows, weights.data(), radius, window.row(filled));
+        filled += rows;
+        if (r + rows == source.height) append(source.height - 1);
 
-    for (std::size_t x = 0; x < width; ++x) {
-        double sum = 0.0;
-        for (std::size_t k = 0; k < weights.size(); ++k) sum += padded[x + k] * weights[k];
-        padded[x + r] = truncateToGrey(sum);
+        const int complete = filled - 2 * radius;
+        if (complete <= 0) continue;
+        kernels::active().blurColumns(window.bytes, source.width, complete, weights.data(), radius,
+                                      destination.row(nextRow));
+        nextRow += complete;
+        std::copy(window.row(complete), window.row(filled), window.bytes);
+        filled = 2 * radius;
     }
-    std::copy_n(padded.data() + r, width, row);
 }
 
 }  // namespace
@@ -55,33 +69,18 @@ void filterRow(unsigned char* row, std::size_t width, const std::vector<double>&
 void GaussianBlur(const AlgoContext& context, const unsigned char* src, unsigned char* dst, int ksize) {
     const ImageView source(context.roi, src);
     const std::size_t pixels = pixelsOf(context.roi);
-    std::copy_n(src, pixels, dst);
-    if (ksize < 1 || ksize % 2 == 0 || pixels == 0) return;
-
-    const std::vector<double> weights = gaussianWeights(ksize);
-    const std::int64_t r = ksize / 2;
-    const std::size_t width = static_cast<std::size_t>(source.width);
-    std::vector<unsigned char> padded(width + 2 * static_cast<std::size_t>(r));
-    std::vector<double> sums(width);
-
-    // Horizontal pass.
-    std::vector<unsigned char> filtered(src, src + pixels);
-    const MutableImageView rows(context.roi, filtered.data());
-    for (int y = 0; y < rows.height; ++y) filterRow(rows.row(y), width, weights, padded);
-
-    // Vertical pass.
-    const MutableImageView destination(context.roi, dst);
-    for (int y = 0; y < rows.height; ++y) {
-        std::fill(sums.begin(), sums.end(), 0.0);
-        for (std::int64_t k = -r; k <= r; ++k) {
-            const std::int64_t tapRow = y + k;
-            const unsigned char* tap = tapRow < 0                ? source.row(0)
-                                       : tapRow >= source.height ? source.row(source.height - 1)
-                                                                 : rows.row(static_cast<int>(tapRow));
-            const double weight = weights[static_cast<std::size_t>(k + r)];
-            for (std::size_t x = 0; x < width; ++x) sums[x] += tap[x] * weight;
-        }
-        std::transform(sums.begin(), sums.end(), destination.row(y), truncateToGrey);
+    const bool hasKernel = ksize > 0 && ksize % 2 != 0;
+    const int radius = hasKernel ? std::min(ksize / 2, kLargestRadius) : 0;
+    if (radius == 0 || pixels == 0) {
+        std::copy_n(src, pixels, dst);
+        return;
+    }
+    try {
+        blur(source, MutableImageView(context.roi, dst), radius);
+    } catch (...) {
+        // Where memory ends, `dst` is a copy all the same.
+        std::copy_n(src, pixels, dst);
+        throw;
     }
 }
 

@@ -31,6 +31,9 @@ inline constexpr int blocksOf(int width) {
     return width / kBlockColumns + (width % kBlockColumns != 0 ? 1 : 0);
 }
 
+/// The largest radius of a blur.
+inline constexpr int kLargestBlurRadius = 38;  // pixels
+
 /// Words that hold one bit for each of `count` pixels.
 inline constexpr std::size_t wordsOf(std::size_t count) {
     return count / 64 + (count % 64 != 0 ? 1 : 0);
@@ -143,6 +146,21 @@ struct KernelSet {
     /// @param previous becomes the current frame
     void (*subtractChange)(const unsigned char* current, std::size_t count, unsigned char* previous,
                            unsigned char* out);
+
+    /// Blurs each row from left to right: a pixel becomes the truncated sum of the weighted pixels within `radius`,
+    /// added from left to right, those to the left being blurred already. Beyond its ends, a row repeats its first and
+    /// last pixel as they were.
+    /// @param weights radius + 1, from the pixel itself outwards to both sides; none is negative, and in all they are 1
+    /// @param radius 1 .. kLargestBlurRadius
+    void (*blurRows)(const unsigned char* image, int width, int rows, const double* weights, int radius,
+                     unsigned char* out);
+
+    /// Blurs columns: a pixel becomes the truncated sum of the weighted pixels within `radius`, added from top to
+    /// bottom.
+    /// @param image has `radius` rows before the first and after the last of the `rows` rows of `out`
+    /// @param weights, radius as in blurRows
+    void (*blurColumns)(const unsigned char* image, int width, int rows, const double* weights, int radius,
+                        unsigned char* out);
 
     // ---- marks: one bit for each pixel of an image, in the order of the pixels, the first one in the lowest bit ----
 

@@ -5,6 +5,7 @@
 #ifndef KORVANE_KERNELS_LANES_TABLE_H
 #define KORVANE_KERNELS_LANES_TABLE_H
 
+#include "kernels/lanes/Blur.h"
 #include "kernels/lanes/Buckets.h"
 #include "kernels/lanes/ColumnMaxima.h"
 #include "kernels/lanes/CopyAbove.h"
@@ -28,10 +29,31 @@ namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 extern const KernelSet kTable;
 const KernelSet kTable = {
-    KORVANE_KERNEL_NAME, findColumnMaxima, findTransitions, sumAbove,       findStripeStarts, cutAndSum,
-    copyAbove,           widenRanges,      copyWithMaxima,  subtractChange, markAbove,        countMarks,
-    undistort,           meetPlane,        meetSurface,     listHeights,    storeHeights,     findMedians,
-    smoothHeights,       listUsable,       keepOutliers,    countFollowers, numberBuckets,
+    .name = KORVANE_KERNEL_NAME,
+    .findColumnMaxima = findColumnMaxima,
+    .findTransitions = findTransitions,
+    .sumAbove = sumAbove,
+    .findStripeStarts = findStripeStarts,
+    .cutAndSum = cutAndSum,
+    .copyAbove = copyAbove,
+    .widenRanges = widenRanges,
+    .copyWithMaxima = copyWithMaxima,
+    .subtractChange = subtractChange,
+    .blurRows = blurRows,
+    .blurColumns = blurColumns,
+    .markAbove = markAbove,
+    .countMarks = countMarks,
+    .undistort = undistort,
+    .meetPlane = meetPlane,
+    .meetSurface = meetSurface,
+    .listHeights = listHeights,
+    .storeHeights = storeHeights,
+    .findMedians = findMedians,
+    .smoothHeights = smoothHeights,
+    .listUsable = listUsable,
+    .keepOutliers = keepOutliers,
+    .countFollowers = countFollowers,
+    .numberBuckets = numberBuckets,
 };
 
 }  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET

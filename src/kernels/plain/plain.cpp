@@ -3,10 +3,31 @@
 namespace KORVANELASERALGO::kernels::plain {
 
 const KernelSet kTable = {
-    "plain",       findColumnMaxima, findTransitions, sumAbove,       findStripeStarts, cutAndSum,
-    copyAbove,     widenRanges,      copyWithMaxima,  subtractChange, markAbove,        countMarks,
-    undistort,     meetPlane,        meetSurface,     listHeights,    storeHeights,     findMedians,
-    smoothHeights, listUsable,       keepOutliers,    countFollowers, numberBuckets,
+    .name = "plain",
+    .findColumnMaxima = findColumnMaxima,
+    .findTransitions = findTransitions,
+    .sumAbove = sumAbove,
+    .findStripeStarts = findStripeStarts,
+    .cutAndSum = cutAndSum,
+    .copyAbove = copyAbove,
+    .widenRanges = widenRanges,
+    .copyWithMaxima = copyWithMaxima,
+    .subtractChange = subtractChange,
+    .blurRows = blurRows,
+    .blurColumns = blurColumns,
+    .markAbove = markAbove,
+    .countMarks = countMarks,
+    .undistort = undistort,
+    .meetPlane = meetPlane,
+    .meetSurface = meetSurface,
+    .listHeights = listHeights,
+    .storeHeights = storeHeights,
+    .findMedians = findMedians,
+    .smoothHeights = smoothHeights,
+    .listUsable = listUsable,
+    .keepOutliers = keepOutliers,
+    .countFollowers = countFollowers,
+    .numberBuckets = numberBuckets,
 };
 
 }  // namespace KORVANELASERALGO::kernels::plain

@@ -22,6 +22,9 @@ void widenRanges(const unsigned char* image, int stride, int columns, int rows, 
                  unsigned char* largest);
 void copyWithMaxima(const unsigned char* image, int width, int height, unsigned char* out, unsigned char* maxima);
 void subtractChange(const unsigned char* current, std::size_t count, unsigned char* previous, unsigned char* out);
+void blurRows(const unsigned char* image, int width, int rows, const double* weights, int radius, unsigned char* out);
+void blurColumns(const unsigned char* image, int width, int rows, const double* weights, int radius,
+                 unsigned char* out);
 void markAbove(const unsigned char* pixels, std::size_t count, unsigned char level, std::uint64_t* marks);
 std::uint64_t countMarks(const std::uint64_t* marks, int width, int height, std::uint64_t* columns);
 void undistort(const Pinhole& camera, const LensDistortion& lens, double* points, std::size_t count);
