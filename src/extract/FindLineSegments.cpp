@@ -7,97 +7,209 @@
 #include "extract/FindLineSegments.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
+#include <numeric>
+#include <tuple>
+#include <utility>
 
 #include "algo/ImageView.h"
 #include "algo/Int32.h"
+#include "kernels/kernels.h"
 
 namespace KORVANELASERALGO::extract {
 namespace {
 
 constexpr double kPi = 3.141592653589793;
 constexpr std::int32_t kLeastVotes = 101;
-constexpr double kInlierDistance = 1.4142135623730951;  // pixels: the square root of 2
-constexpr float kLargestGap = 20.0f;                    // pixels, inclusive
-constexpr double kLeastLength = 50.0;                   // pixels, inclusive
+constexpr std::int64_t kLargestSquaredGap = 20 * 20;   // pixels squared, inclusive
+constexpr std::int64_t kLeastSquaredLength = 50 * 50;  // pixels squared, inclusive
 
-// Votes per angle and distance, with a border of one empty cell around them.
-class Accumulator {
-public:
-    Accumulator(int angles, int distances)
-        : angles_(angles),
-          distances_(distances),
-          cells_(static_cast<std::size_t>(angles + 2) * static_cast<std::size_t>(distances + 2), 0) {}
+// Pixels, exclusive: the single-precision number after the square root of 2. None lies between the two.
+constexpr float kInlierDistance = 0x1.6a09e8p0f;
+static_assert(double{0x1.6a09e6p0f} < 1.4142135623730951 && double{kInlierDistance} >= 1.4142135623730951);
 
-    // Angle and distance run from -1 to one past the last.
-    std::int32_t& at(int angle, int distance) { return cells_[index(angle, distance)]; }
-    std::int32_t at(int angle, int distance) const { return cells_[index(angle, distance)]; }
+// ---- votes ----
 
-    // Strict on one side, not on the other, so that of two equal neighbours one is the peak.
-    bool isPeak(int angle, int distance) const {
-        const std::int32_t votes = at(angle, distance);
-        return votes >= kLeastVotes && votes > at(angle, distance - 1) && votes >= at(angle, distance + 1) &&
-               votes > at(angle - 1, distance) && votes >= at(angle + 1, distance);
-    }
-
-    // Clears a cell and its eight neighbours; the border stays empty.
-    void clearAround(int angle, int distance) {
-        for (int n = std::max(angle - 1, 0); n <= std::min(angle + 1, angles_ - 1); ++n) {
-            for (int r = std::max(distance - 1, 0); r <= std::min(distance + 1, distances_ - 1); ++r) at(n, r) = 0;
+// The voting points by column, then row, and as single-precision coordinates.
+struct Voters {
+    explicit Voters(std::span<const VotePoint> votePoints) : points(votePoints.begin(), votePoints.end()) {
+        const auto before = [](const VotePoint& a, const VotePoint& b) { return a.x != b.x ? a.x < b.x : a.y < b.y; };
+        if (!std::is_sorted(points.begin(), points.end(), before)) std::sort(points.begin(), points.end(), before);
+        x.reserve(points.size());
+        y.reserve(points.size());
+        for (const VotePoint& point : points) {
+            x.push_back(static_cast<float>(point.x));
+            y.push_back(static_cast<float>(point.y));
         }
     }
 
-private:
-    std::size_t index(int angle, int distance) const {
-        return static_cast<std::size_t>(angle + 1) * static_cast<std::size_t>(distances_ + 2) +
-               static_cast<std::size_t>(distance + 1);
-    }
+    std::vector<VotePoint> points;
+    std::vector<float> x;
+    std::vector<float> y;
+};
 
-    int angles_;
-    int distances_;
-    std::vector<std::int32_t> cells_;
+struct Direction {
+    float cosine;
+    float sine;
 };
 
 struct Peak {
     int angle;
     int distance;
-    std::int32_t votes;
+    std::int32_t votes;  // 0 once it is suppressed
 };
 
-double distanceBetween(const VotePoint& a, const VotePoint& b) {
+// Votes angle by angle; a peak needs its own row of distances and those of the angles beside it, so only three are
+// kept.
+class Accumulator {
+public:
+    Accumulator(const Voters& voters, int distances)
+        : voters_(voters),
+          middle_((distances - 1) / 2),
+          stride_(std::ptrdiff_t{distances} + 2),
+          cells_(static_cast<std::size_t>(stride_) * (kSums + kernels::kVoteRows), 0) {
+        const auto [top, bottom] = std::minmax_element(voters.y.begin(), voters.y.end());
+        const float left = voters.x.front();
+        const float right = voters.x.back();
+        corners_ = {{{left, *top}, {left, *bottom}, {right, *top}, {right, *bottom}}};
+    }
+
+    // Votes of the next angle. The steps of a distance never turn the order of two numbers round, so all distances lie
+    // between those of the corners around the points.
+    void next(const Direction& direction) {
+        begin();
+        Row& row = rows_[newest_];
+        std::array<std::int32_t, 4> ends;
+        for (std::size_t i = 0; i < ends.size(); ++i)
+            ends[i] =
+                static_cast<std::int32_t>(corners_[i].x * direction.cosine + corners_[i].y * direction.sine + 0.5f);
+        row.first = middle_ + *std::min_element(ends.begin(), ends.end());
+        row.end = middle_ + *std::max_element(ends.begin(), ends.end()) + 1;
+
+        const kernels::KernelSet& pass = kernels::active();
+        std::int32_t* votes = cellsOf(kSums);
+        pass.castVotes(voters_.x.data(), voters_.y.data(), voters_.x.size(), direction.cosine, direction.sine,
+                       votes + middle_, stride_);
+        row.largest = pass.sumVotes(votes + row.first, stride_, row.end - row.first, cellsOf(newest_) + row.first);
+    }
+
+    // An angle without votes, beyond the last.
+    void end() { begin(); }
+
+    // The peaks of the angle before the newest. Strict on one side, not on the other, so that of two equal neighbours
+    // one is the peak.
+    void appendPeaks(int angle, std::vector<Peak>& peaks) const {
+        const std::size_t at = (newest_ + 2) % kSums;
+        if (rows_[at].largest < kLeastVotes) return;
+        const std::int32_t* before = cellsOf((newest_ + 1) % kSums);
+        const std::int32_t* row = cellsOf(at);
+        const std::int32_t* after = cellsOf(newest_);
+        for (int r = rows_[at].first; r < rows_[at].end; ++r) {
+            const std::int32_t votes = row[r];
+            if (votes >= kLeastVotes && votes > row[r - 1] && votes >= row[r + 1] && votes > before[r] &&
+                votes >= after[r])
+                peaks.push_back({angle, r, votes});
+        }
+    }
+
+private:
+    static constexpr std::size_t kSums = 3;  // rows of sums, before the rows that take the votes
+
+    // Distances outside first .. end - 1 have no vote.
+    struct Row {
+        int first = 0;
+        int end = 0;
+        std::int32_t largest = 0;
+    };
+    struct Corner {
+        float x;
+        float y;
+    };
+
+    // Makes the oldest row of sums the newest, and empty.
+    void begin() {
+        newest_ = (newest_ + 1) % kSums;
+        std::fill(cellsOf(newest_) + rows_[newest_].first, cellsOf(newest_) + rows_[newest_].end, 0);
+        rows_[newest_] = {};
+    }
+
+    // Distance index 0 of a row; one cell before it and one after the last are always 0.
+    std::int32_t* cellsOf(std::size_t row) { return cells_.data() + static_cast<std::ptrdiff_t>(row) * stride_ + 1; }
+    const std::int32_t* cellsOf(std::size_t row) const {
+        return cells_.data() + static_cast<std::ptrdiff_t>(row) * stride_ + 1;
+    }
+
+    const Voters& voters_;
+    int middle_;  // index of distance 0
+    std::ptrdiff_t stride_;
+    std::vector<std::int32_t> cells_;
+    std::array<Corner, 4> corners_;
+    std::array<Row, kSums> rows_;
+    std::size_t newest_ = 0;
+};
+
+// In the order of angles, then distances.
+std::vector<Peak> findPeaks(const Voters& voters, const std::vector<Direction>& directions, float rhoStep,
+                            int distances) {
+    std::vector<Peak> peaks;
+    Accumulator votes(voters, distances);
+    for (std::size_t n = 0; n < directions.size(); ++n) {
+        votes.next({directions[n].cosine / rhoStep, directions[n].sine / rhoStep});
+        votes.appendPeaks(static_cast<int>(n) - 1, peaks);
+    }
+    votes.end();
+    votes.appendPeaks(static_cast<int>(directions.size()) - 1, peaks);
+    return peaks;
+}
+
+// Suppresses a peak and those in the eight cells around it.
+void suppressAround(const Peak& peak, std::vector<Peak>& peaks) {
+    const int distance = peak.distance;
+    for (int angle = peak.angle - 1, last = peak.angle + 1; angle <= last; ++angle) {
+        const auto before = [](const Peak& a, const std::pair<int, int>& cell) {
+            return std::tie(a.angle, a.distance) < std::tie(cell.first, cell.second);
+        };
+        auto next = std::lower_bound(peaks.begin(), peaks.end(), std::pair(angle, distance - 1), before);
+        for (; next != peaks.end() && next->angle == angle && next->distance <= distance + 1; ++next) next->votes = 0;
+    }
+}
+
+// ---- segments ----
+
+std::int64_t squaredDistance(const VotePoint& a, const VotePoint& b) {
     const std::int64_t dx = std::int64_t{a.x} - b.x;
     const std::int64_t dy = std::int64_t{a.y} - b.y;
-    return std::sqrt(static_cast<double>(dx * dx + dy * dy));
+    return dx * dx + dy * dy;
 }
 
 // Keeps the piece from `start` to `end` when it is long and dense enough. A piece with one x has infinite density.
 void closeSegment(const VotePoint& start, const VotePoint& end, int steps, float densityRatio,
                   std::vector<LineSegment>& segments) {
-    if (distanceBetween(start, end) < kLeastLength) return;
+    if (squaredDistance(start, end) < kLeastSquaredLength) return;
     const float density = static_cast<float>(steps) / static_cast<float>(std::abs(end.x - start.x));
     if (density > densityRatio) segments.push_back({start.x, start.y, end.x, end.y});
 }
 
 // Splits the points of one line where they leave a gap. The step across a gap still counts for the segment before it,
 // while the last segment has one step fewer than points: this is meant.
-void splitAtGaps(std::vector<VotePoint>& inliers, float densityRatio, std::vector<LineSegment>& segments) {
+void splitAtGaps(const std::vector<VotePoint>& points, std::span<const std::size_t> inliers, float densityRatio,
+                 std::vector<LineSegment>& segments) {
     if (inliers.size() < 2) return;
-    std::sort(inliers.begin(), inliers.end(),
-              [](const VotePoint& a, const VotePoint& b) { return a.x != b.x ? a.x < b.x : a.y < b.y; });
 
-    VotePoint start = inliers.front();
+    VotePoint start = points[inliers.front()];
     VotePoint previous = start;
     int steps = 0;
-    for (std::size_t i = 1; i < inliers.size(); ++i) {
+    for (const std::size_t i : inliers.subspan(1)) {
         ++steps;
-        if (static_cast<float>(distanceBetween(previous, inliers[i])) > kLargestGap) {
+        if (squaredDistance(previous, points[i]) > kLargestSquaredGap) {
             closeSegment(start, previous, steps, densityRatio, segments);
-            start = inliers[i];
+            start = points[i];
             steps = 0;
         }
-        previous = inliers[i];
+        previous = points[i];
     }
     closeSegment(start, previous, steps, densityRatio, segments);
 }
@@ -112,52 +224,34 @@ void FindLineSegments(const AlgoContext& context, std::span<const VotePoint> poi
         (std::int64_t{columnsOf(context.roi)} + std::int64_t{rowsOf(context.roi)}) * 2 + 1;  // pixels
     const int angles = truncateToInt32(kPi / static_cast<double>(angleStep) + 0.5);
     const int distances = truncateToInt32(static_cast<double>(static_cast<float>(perimeter) / rhoStep + 0.5f));
-    const int middle = (distances - 1) / 2;  // index of distance 0
-
-    // Votes.
-    std::vector<float> cosines(static_cast<std::size_t>(angles));
-    std::vector<float> sines(static_cast<std::size_t>(angles));
-    for (std::size_t n = 0; n < cosines.size(); ++n) {
-        const float angle = static_cast<float>(n) * angleStep;
-        cosines[n] = std::cos(angle) / rhoStep;
-        sines[n] = std::sin(angle) / rhoStep;
-    }
-    Accumulator votes(angles, distances);
-    for (const VotePoint& point : points) {
-        const float x = static_cast<float>(point.x);
-        const float y = static_cast<float>(point.y);
-        for (int n = 0; n < angles; ++n) {
-            const std::size_t i = static_cast<std::size_t>(n);
-            ++votes.at(n, static_cast<int>(x * cosines[i] + y * sines[i] + 0.5f) + middle);
-        }
+    std::vector<Direction> directions(static_cast<std::size_t>(angles));
+    for (std::size_t n = 0; n < directions.size(); ++n) {
+        const float theta = static_cast<float>(n) * angleStep;
+        directions[n] = {std::cos(theta), std::sin(theta)};
     }
 
-    // Peaks, by votes; equal ones by angle, then distance.
-    std::vector<Peak> peaks;
-    for (int n = 0; n < angles; ++n) {
-        for (int r = 0; r < distances; ++r) {
-            if (votes.isPeak(n, r)) peaks.push_back({n, r, votes.at(n, r)});
-        }
-    }
-    std::stable_sort(peaks.begin(), peaks.end(), [](const Peak& a, const Peak& b) { return a.votes > b.votes; });
+    const Voters voters(points);
+    std::vector<Peak> peaks = findPeaks(voters, directions, rhoStep, distances);
+
+    // By votes; equal ones by angle, then distance.
+    std::vector<std::size_t> order(peaks.size());
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::size_t a, std::size_t b) { return peaks[a].votes > peaks[b].votes; });
 
     // The points near each peak's line, and the segments among them.
-    std::vector<VotePoint> inliers;
-    for (const Peak& peak : peaks) {
-        if (votes.at(peak.angle, peak.distance) < 1) continue;
+    std::vector<std::size_t> inliers(peaks.empty() ? 0 : points.size());
+    for (const std::size_t i : order) {
+        const Peak peak = peaks[i];
+        if (peak.votes < 1) continue;
+        const Direction& direction = directions[static_cast<std::size_t>(peak.angle)];
         const float rho = (static_cast<float>(peak.distance) - static_cast<float>(distances - 1) * 0.5f) * rhoStep;
-        const float theta = static_cast<float>(peak.angle) * angleStep;
-        const float cosine = std::cos(theta);
-        const float sine = std::sin(theta);
-
-        inliers.clear();
-        for (const VotePoint& point : points) {
-            const float offset = static_cast<float>(point.x) * cosine + static_cast<float>(point.y) * sine - rho;
-            if (static_cast<double>(std::fabs(offset)) < kInlierDistance) inliers.push_back(point);
-        }
-        if (inliers.empty()) continue;
-        splitAtGaps(inliers, densityRatio, segments);
-        votes.clearAround(peak.angle, peak.distance);
+        const std::size_t count =
+            kernels::active().findNearLine(voters.x.data(), voters.y.data(), points.size(), direction.cosine,
+                                           direction.sine, rho, kInlierDistance, inliers.data());
+        if (count == 0) continue;
+        splitAtGaps(voters.points, std::span(inliers).first(count), densityRatio, segments);
+        suppressAround(peak, peaks);
     }
 }
 

@@ -54,6 +54,10 @@ struct ColumnSum {
 /// Marks a column in which no stripe starts.
 inline constexpr int kNoStripe = -1;
 
+/// Counters of one angle that take votes in turn: points that follow one another often vote for the same distance, and
+/// a counter must be written before it can be read again.
+inline constexpr int kVoteRows = 4;
+
 /// Pixel = focal length * normalised image coordinate + principal point, for x and y.
 struct Pinhole {
     double fx, cx;
@@ -172,6 +176,24 @@ struct KernelSet {
     /// @param columns receives one bit for each column, as marks do; blocksOf(width) + 1 words
     /// @return the number of marked pixels
     std::uint64_t (*countMarks)(const std::uint64_t* marks, int width, int height, std::uint64_t* columns);
+
+    // ---- points and lines, in single precision ----
+
+    /// Counts every point at its distance trunc(x * cosine + y * sine + 0.5), in any of kVoteRows rows of counters.
+    /// @param votes distance 0 of the first row
+    /// @param stride from a row to the next
+    void (*castVotes)(const float* x, const float* y, std::size_t count, float cosine, float sine, std::int32_t* votes,
+                      std::ptrdiff_t stride);
+
+    /// Adds up `count` counters of the rows and sets them to 0.
+    /// @return the largest sum, at least 0
+    std::int32_t (*sumVotes)(std::int32_t* votes, std::ptrdiff_t stride, std::ptrdiff_t count, std::int32_t* sums);
+
+    /// Lists the points with |x * cosine + y * sine - distance| < tolerance.
+    /// @param indices has room for `count`
+    /// @return their number
+    std::size_t (*findNearLine)(const float* x, const float* y, std::size_t count, float cosine, float sine,
+                                float distance, float tolerance, std::size_t* indices);
 
     // ---- points, as x0 y0 x1 y1 ... in pixels ----
 

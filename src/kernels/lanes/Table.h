@@ -14,6 +14,7 @@
 #include "kernels/lanes/Followers.h"
 #include "kernels/lanes/GreyRanges.h"
 #include "kernels/lanes/LightSheet.h"
+#include "kernels/lanes/LineVotes.h"
 #include "kernels/lanes/Marks.h"
 #include "kernels/lanes/Medians.h"
 #include "kernels/lanes/PointLists.h"
@@ -43,6 +44,9 @@ const KernelSet kTable = {
     .blurColumns = blurColumns,
     .markAbove = markAbove,
     .countMarks = countMarks,
+    .castVotes = castVotes,
+    .sumVotes = sumVotes,
+    .findNearLine = findNearLine,
     .undistort = undistort,
     .meetPlane = meetPlane,
     .meetSurface = meetSurface,

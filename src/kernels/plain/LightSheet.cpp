@@ -21,8 +21,7 @@ double surfaceDepth(const double* c, double x, double y) {
 
 // The sheet is a copy that the output cannot alias.
 template <class Depth>
-void meet(LightSheet sheet, const bool* found, const double* points, std::size_t count, double* points3d,
-          Depth depth) {
+void meet(LightSheet sheet, const bool* found, const double* points, std::size_t count, double* points3d, Depth depth) {
     const auto [fx, cx, fy, cy] = sheet.camera;
     const double* rt = sheet.rt;
 
