@@ -11,6 +11,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdlib>
+#include <limits>
 #include <numeric>
 #include <tuple>
 #include <utility>
@@ -31,24 +32,49 @@ constexpr std::int64_t kLeastSquaredLength = 50 * 50;  // pixels squared, inclus
 constexpr float kInlierDistance = 0x1.6a09e8p0f;
 static_assert(double{0x1.6a09e6p0f} < 1.4142135623730951 && double{kInlierDistance} >= 1.4142135623730951);
 
+// Far more than the rounding errors of a distance, each at most 2^-24 of the sizes that enter.
+constexpr float kLeastSlack = 0.01f;  // pixels
+constexpr float kRelativeSlack = 0x1p-18f;
+
+constexpr float kNotANumber = std::numeric_limits<float>::quiet_NaN();
+
 // ---- votes ----
 
-// The voting points by column, then row, and as single-precision coordinates.
+// The voting points by column, then row, as single-precision coordinates and with boxes around those that follow one
+// another. Whatever follows the last point or box to a full lane is not a number, which is near no line.
 struct Voters {
     explicit Voters(std::span<const VotePoint> votePoints) : points(votePoints.begin(), votePoints.end()) {
         const auto before = [](const VotePoint& a, const VotePoint& b) { return a.x != b.x ? a.x < b.x : a.y < b.y; };
         if (!std::is_sorted(points.begin(), points.end(), before)) std::sort(points.begin(), points.end(), before);
-        x.reserve(points.size());
-        y.reserve(points.size());
-        for (const VotePoint& point : points) {
-            x.push_back(static_cast<float>(point.x));
-            y.push_back(static_cast<float>(point.y));
+
+        constexpr std::size_t kLane = kernels::kBoxPoints;
+        const std::size_t boxes = (points.size() + kLane * kLane - 1) / (kLane * kLane) * kLane;
+        for (auto* list : {&x, &y}) list->assign(boxes * kLane, kNotANumber);
+        for (auto* list : {&centreX, &centreY, &halfWidth, &halfHeight}) list->assign(boxes, kNotANumber);
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            x[i] = static_cast<float>(points[i].x);
+            y[i] = static_cast<float>(points[i].y);
+        }
+        for (std::size_t first = 0; first < points.size(); first += kLane) {
+            const auto begin = static_cast<std::ptrdiff_t>(first);
+            const auto end = static_cast<std::ptrdiff_t>(std::min(first + kLane, points.size()));
+            const auto [top, bottom] = std::minmax_element(y.begin() + begin, y.begin() + end);
+            const std::size_t box = first / kLane;
+            centreX[box] = (x[first] + x[static_cast<std::size_t>(end) - 1]) * 0.5f;
+            centreY[box] = (*top + *bottom) * 0.5f;
+            halfWidth[box] = (x[static_cast<std::size_t>(end) - 1] - x[first]) * 0.5f;
+            halfHeight[box] = (*bottom - *top) * 0.5f;
         }
     }
 
+    kernels::BoxedPoints boxed() const {
+        return {x.data(),       y.data(),         centreX.size(),   centreX.data(),
+                centreY.data(), halfWidth.data(), halfHeight.data()};
+    }
+
     std::vector<VotePoint> points;
-    std::vector<float> x;
-    std::vector<float> y;
+    std::vector<float> x, y;
+    std::vector<float> centreX, centreY, halfWidth, halfHeight;
 };
 
 struct Direction {
@@ -71,9 +97,10 @@ public:
           middle_((distances - 1) / 2),
           stride_(std::ptrdiff_t{distances} + 2),
           cells_(static_cast<std::size_t>(stride_) * (kSums + kernels::kVoteRows), 0) {
-        const auto [top, bottom] = std::minmax_element(voters.y.begin(), voters.y.end());
-        const float left = voters.x.front();
-        const float right = voters.x.back();
+        const std::size_t last = voters.points.size() - 1;
+        const auto [top, bottom] = std::minmax_element(voters.y.data(), voters.y.data() + last + 1);
+        const float left = voters.x[0];
+        const float right = voters.x[last];
         corners_ = {{{left, *top}, {left, *bottom}, {right, *top}, {right, *bottom}}};
     }
 
@@ -91,7 +118,7 @@ public:
 
         const kernels::KernelSet& pass = kernels::active();
         std::int32_t* votes = cellsOf(kSums);
-        pass.castVotes(voters_.x.data(), voters_.y.data(), voters_.x.size(), direction.cosine, direction.sine,
+        pass.castVotes(voters_.x.data(), voters_.y.data(), voters_.points.size(), direction.cosine, direction.sine,
                        votes + middle_, stride_);
         row.largest = pass.sumVotes(votes + row.first, stride_, row.end - row.first, cellsOf(newest_) + row.first);
     }
@@ -240,15 +267,16 @@ void FindLineSegments(const AlgoContext& context, std::span<const VotePoint> poi
                      [&](std::size_t a, std::size_t b) { return peaks[a].votes > peaks[b].votes; });
 
     // The points near each peak's line, and the segments among them.
-    std::vector<std::size_t> inliers(peaks.empty() ? 0 : points.size());
+    const kernels::BoxedPoints boxed = voters.boxed();
+    const float slack = kLeastSlack + static_cast<float>(perimeter) * kRelativeSlack;
+    std::vector<std::size_t> inliers(peaks.empty() ? 0 : voters.x.size());
     for (const std::size_t i : order) {
         const Peak peak = peaks[i];
         if (peak.votes < 1) continue;
         const Direction& direction = directions[static_cast<std::size_t>(peak.angle)];
         const float rho = (static_cast<float>(peak.distance) - static_cast<float>(distances - 1) * 0.5f) * rhoStep;
-        const std::size_t count =
-            kernels::active().findNearLine(voters.x.data(), voters.y.data(), points.size(), direction.cosine,
-                                           direction.sine, rho, kInlierDistance, inliers.data());
+        const std::size_t count = kernels::active().findNearLine(boxed, direction.cosine, direction.sine, rho,
+                                                                 kInlierDistance, slack, inliers.data());
         if (count == 0) continue;
         splitAtGaps(voters.points, std::span(inliers).first(count), densityRatio, segments);
         suppressAround(peak, peaks);

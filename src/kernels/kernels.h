@@ -58,6 +58,18 @@ inline constexpr int kNoStripe = -1;
 /// a counter must be written before it can be read again.
 inline constexpr int kVoteRows = 4;
 
+/// Points with boxes around every kBoxPoints of them.
+inline constexpr int kBoxPoints = 16;
+struct BoxedPoints {
+    const float* x;  ///< of boxes * kBoxPoints points; those beyond the last are not numbers
+    const float* y;
+    std::size_t boxes;  ///< a multiple of kBoxPoints; those beyond the last are not numbers
+    const float* centreX;
+    const float* centreY;
+    const float* halfWidth;  ///< of a box, so that no point is farther from its centre
+    const float* halfHeight;
+};
+
 /// Pixel = focal length * normalised image coordinate + principal point, for x and y.
 struct Pinhole {
     double fx, cx;
@@ -190,10 +202,11 @@ struct KernelSet {
     std::int32_t (*sumVotes)(std::int32_t* votes, std::ptrdiff_t stride, std::ptrdiff_t count, std::int32_t* sums);
 
     /// Lists the points with |x * cosine + y * sine - distance| < tolerance.
-    /// @param indices has room for `count`
+    /// @param slack bounds the rounding errors of all such distances, and the same for boxes
+    /// @param indices has room for boxes * kBoxPoints
     /// @return their number
-    std::size_t (*findNearLine)(const float* x, const float* y, std::size_t count, float cosine, float sine,
-                                float distance, float tolerance, std::size_t* indices);
+    std::size_t (*findNearLine)(const BoxedPoints& points, float cosine, float sine, float distance, float tolerance,
+                                float slack, std::size_t* indices);
 
     // ---- points, as x0 y0 x1 y1 ... in pixels ----
 

@@ -1,5 +1,6 @@
 // Votes for lines, and the points near one. Distances are computed for 16 points at once, each by the operations of the
-// plain pass in their order; votes are whole numbers, so it does not matter which row counts them.
+// plain pass in their order; votes are whole numbers, so it does not matter which row counts them. Boxes that the line
+// does not come near are passed over.
 
 #ifndef KORVANE_KERNELS_LANES_LINEVOTES_H
 #define KORVANE_KERNELS_LANES_LINEVOTES_H
@@ -32,29 +33,51 @@ inline std::int32_t sumVotes(std::int32_t* votes, std::ptrdiff_t stride, std::pt
     return largest;
 }
 
-inline std::size_t findNearLine(const float* x, const float* y, std::size_t count, float cosine, float sine,
-                                float distance, float tolerance, std::size_t* indices) {
-    std::size_t found = 0;
-    std::size_t first = 0;
-    for (; count - first >= kVoters; first += kVoters) {
-        std::int32_t isNear[kVoters];
-        std::int32_t any = 0;
-        for (int i = 0; i < kVoters; ++i) {
-            const float offset = x[first + static_cast<std::size_t>(i)] * cosine +
-                                 y[first + static_cast<std::size_t>(i)] * sine - distance;
-            isNear[i] = (offset < tolerance ? 1 : 0) & (offset > -tolerance ? 1 : 0);
-            any |= isNear[i];
+struct NearLine {
+    float cosine;
+    float sine;
+    float distance;
+
+    // One answer for each of kBoxPoints points or boxes: is |offset| smaller than the reach? Not-a-number is not.
+    template <class Reach>
+    bool any(const float* x, const float* y, Reach reach, std::int32_t* answers) const {
+        std::int32_t all = 0;
+        for (int i = 0; i < kBoxPoints; ++i) {
+            const float offset = x[i] * cosine + y[i] * sine - distance;
+            answers[i] = (offset < reach(i) ? 1 : 0) & (offset > -reach(i) ? 1 : 0);
+            all |= answers[i];
         }
-        if (any == 0) continue;
-        for (int i = 0; i < kVoters; ++i) {
-            indices[found] = first + static_cast<std::size_t>(i);
-            found += static_cast<std::size_t>(isNear[i]);
+        return all != 0;
+    }
+};
+
+inline std::size_t findNearLine(const BoxedPoints& points, float cosine, float sine, float distance, float tolerance,
+                                float slack, std::size_t* indices) {
+    const NearLine line = {cosine, sine, distance};
+    const float across = cosine < 0.0f ? -cosine : cosine;
+    const float along = sine < 0.0f ? -sine : sine;
+    std::size_t found = 0;
+    for (std::size_t first = 0; first < points.boxes; first += kBoxPoints) {
+        const float* halfWidth = points.halfWidth + first;
+        const float* halfHeight = points.halfHeight + first;
+        const auto reach = [&](int i) { return halfWidth[i] * across + halfHeight[i] * along + tolerance + slack; };
+        std::int32_t boxNear[kBoxPoints];
+        if (!line.any(points.centreX + first, points.centreY + first, reach, boxNear)) continue;
+
+        for (int b = 0; b < kBoxPoints; ++b) {
+            if (boxNear[b] == 0) continue;
+            const std::size_t begin = (first + static_cast<std::size_t>(b)) * kBoxPoints;
+            std::int32_t pointNear[kBoxPoints];
+            if (!line.any(
+                    points.x + begin, points.y + begin, [&](int) { return tolerance; }, pointNear))
+                continue;
+            for (int i = 0; i < kBoxPoints; ++i) {
+                indices[found] = begin + static_cast<std::size_t>(i);
+                found += static_cast<std::size_t>(pointNear[i]);
+            }
         }
     }
-    const std::size_t more =
-        plain::findNearLine(x + first, y + first, count - first, cosine, sine, distance, tolerance, indices + found);
-    for (std::size_t i = 0; i < more; ++i) indices[found + i] += first;
-    return found + more;
+    return found;
 }
 
 }  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET

@@ -30,8 +30,8 @@ std::uint64_t countMarks(const std::uint64_t* marks, int width, int height, std:
 void castVotes(const float* x, const float* y, std::size_t count, float cosine, float sine, std::int32_t* votes,
                std::ptrdiff_t stride);
 std::int32_t sumVotes(std::int32_t* votes, std::ptrdiff_t stride, std::ptrdiff_t count, std::int32_t* sums);
-std::size_t findNearLine(const float* x, const float* y, std::size_t count, float cosine, float sine, float distance,
-                         float tolerance, std::size_t* indices);
+std::size_t findNearLine(const BoxedPoints& points, float cosine, float sine, float distance, float tolerance,
+                         float slack, std::size_t* indices);
 void undistort(const Pinhole& camera, const LensDistortion& lens, double* points, std::size_t count);
 void meetPlane(const LightSheet& sheet, const bool* found, const double* points, std::size_t count, double* points3d);
 void meetSurface(const LightSheet& sheet, const bool* found, const double* points, std::size_t count, double* points3d);
