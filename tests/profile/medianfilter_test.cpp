@@ -171,6 +171,17 @@ TEST_P(medianfilter, WindowOverBothZerosYieldsAZero) {
     for (const Point3d& point : result) EXPECT_EQ(point.z, 0.0);
 }
 
+TEST_P(medianfilter, NegativeZeroLiesBelowZero) {
+    // Windows {0 -0 0} and {-0 0 -0} in turn; at the ends the larger of {0 -0}.
+    std::vector<double> heights, medians;
+    for (int i = 0; i < 40; ++i) {
+        heights.push_back(i % 2 == 0 ? 0.0 : -0.0);
+        medians.push_back(i % 2 == 0 && i > 0 ? -0.0 : 0.0);
+    }
+    const Profile profile = profileOfHeights(heights);
+    EXPECT_TRUE(sameBits(filtered(profile, 1), withHeights(profile, medians)));
+}
+
 TEST_P(medianfilter, WindowWithANotANumberYieldsOneOfItsOwnValuesAndOthersAreExact) {
     constexpr int kCount = 120;
     for (int distance : {1, 2, 3, 5, 17, 60}) {

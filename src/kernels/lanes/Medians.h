@@ -59,17 +59,60 @@ inline void findMiddle(const float* smaller, const float* larger, Floats& low, F
     }
 }
 
+// Windows up to this reach; larger ones are faster kept sorted.
+inline constexpr int kMostReach = 24;
+
+// The same for any r from 2 to kMostReach, with values that stay in memory.
+inline void findMiddle(const float* smaller, const float* larger, int r, Floats& low, Floats& high) {
+    Floats values[2 * kMostReach];
+    Floats* end = values;
+    for (int i = 0; i < r; ++i) {
+        *end++ = Floats::load(smaller + i);
+        *end++ = Floats::load(larger + i);
+    }
+    // The extremes come out at the front, where the next value takes the place of one of them.
+    Floats* rest = values;
+    const Floats* next = values + r + 2;
+    for (int size = r + 2;; --size) {
+        Floats smallest = rest[0];
+        Floats largest = rest[1];
+        sortTwo(smallest, largest);
+        for (int i = 2; i < size - 1; i += 2) {
+            Floats a = rest[i];
+            Floats b = rest[i + 1];
+            sortTwo(a, b);
+            sortTwo(smallest, a);
+            sortTwo(b, largest);
+            rest[i] = a;
+            rest[i + 1] = b;
+        }
+        if (size % 2 != 0) {
+            sortTwo(smallest, rest[size - 1]);
+            sortTwo(rest[size - 1], largest);
+        }
+        if (size == 4) break;
+        *++rest = *next++;
+    }
+    low = rest[2];
+    high = rest[3];
+    sortTwo(low, high);
+}
+
 // Pairs of medians that are found together: their heights, split and sorted, stay in the nearest cache.
 inline constexpr int kMedianPairs = 128;
 
-template <int r>
-inline bool findMediansOfReach(const double* heights, std::size_t count, double* medians) {
+// @param findMiddleOf findMiddle for this r
+template <class FindMiddle>
+inline bool findMediansWith(FindMiddle findMiddleOf, const double* heights, std::size_t count, int r, double* medians) {
     constexpr int kFloats = Floats::kCount;
-    constexpr int kPairs = (kMedianPairs + r + 1 + kFloats - 1) / kFloats * kFloats;
+    constexpr int kPairs = (kMedianPairs + kMostReach + kFloats) / kFloats * kFloats;
     const std::size_t pairs = (count + 1) / 2;
     for (std::size_t first = 0; first < pairs; first += kMedianPairs) {
         const int size = pairs - first < kMedianPairs ? static_cast<int>(pairs - first) : kMedianPairs;
-        float even[kPairs], odd[kPairs], smaller[kPairs], larger[kPairs];
+        float even[kPairs];
+        float odd[kPairs];
+        float smaller[kPairs];
+        float larger[kPairs];
         for (int i = 0; i < size + r + 1; i += kFloats) {
             const auto [a, b] = splitRounded(heights + 2 * (first + static_cast<std::size_t>(i)));
             if (anyWithoutOrder(a) || anyWithoutOrder(b)) return false;
@@ -79,14 +122,23 @@ inline bool findMediansOfReach(const double* heights, std::size_t count, double*
             max(a, b).store(larger + i);
         }
         for (int i = 0; i < size; i += kFloats) {
-            Floats low, high;
-            findMiddle<r>(smaller + i + 1, larger + i + 1, low, high);
+            Floats low;
+            Floats high;
+            findMiddleOf(smaller + i + 1, larger + i + 1, low, high);
             const Floats a = max(low, min(Floats::load(odd + i), high));
             const Floats b = max(low, min(Floats::load(even + i + r + 1), high));
             storeInTurn(medians + 2 * (first + static_cast<std::size_t>(i)), a, b);
         }
     }
     return true;
+}
+
+template <int r>
+inline bool findMediansOfReach(const double* heights, std::size_t count, double* medians) {
+    const auto middleOf = [](const float* smaller, const float* larger, Floats& low, Floats& high) {
+        findMiddle<r>(smaller, larger, low, high);
+    };
+    return findMediansWith(middleOf, heights, count, r, medians);
 }
 
 inline bool findMedians(const double* heights, std::size_t count, int r, double* medians) {
@@ -106,8 +158,13 @@ inline bool findMedians(const double* heights, std::size_t count, int r, double*
         case 7:
             return findMediansOfReach<7>(heights, count, medians);
         default:
-            return false;
+            break;
     }
+    if (r < 1 || r > kMostReach) return false;
+    const auto middleOf = [r](const float* smaller, const float* larger, Floats& low, Floats& high) {
+        findMiddle(smaller, larger, r, low, high);
+    };
+    return findMediansWith(middleOf, heights, count, r, medians);
 }
 
 }  // namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET
