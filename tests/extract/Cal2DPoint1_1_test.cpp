@@ -199,6 +199,14 @@ TEST(Cal2DPoint1_1, AmongSeveralRunsEveryRunIsSearchedForHumpsWhateverWidthMax) 
     EXPECT_TRUE(rowsAre(image, {.widthMax = 100}, {centroid(12, {75, 200, 90})}));
 }
 
+TEST(Cal2DPoint1_1, HumpsOfEveryRunHaveTheirOwnFeet) {
+    Image image(2, 40);
+    drawRun(image, 0, 2, {100, 70, 200, 70});                // feet 1 and 3
+    drawRun(image, 0, 10, {70, 90, 120, 200, 120, 90, 70});  // feet 0 and 6: row 13
+    drawSpot(image, 1, 13);                                  // leads to the second
+    EXPECT_TRUE(rowsAre(image, {13.0, 13.0}));
+}
+
 TEST(Cal2DPoint1_1, HumpMustFallBy50GreyLevelsOnOneSide) {
     // The hump would be 2 wide, the whole run is 3 wide.
     Image fallsBy50 = columnOfTwoRunsWith({151, 200, 150});
