@@ -214,6 +214,25 @@ TEST(FindLineSegments, PeakSuppressesTheEightCellsAroundIt) {
     EXPECT_EQ(segmentsOf(points), (Segments{{0, 49, 119, 51}}));
 }
 
+TEST(FindLineSegments, PeakSuppressesTheOtherCellsAcrossItsCornersToo) {
+    const Points peak = row(0, 119, 50) + row(0, 0, 50, 10);  // (90, 50) has 130 votes
+    // Each of these has 120 votes at its angle and distance.
+    const Points before = row(0, 28, 51) + row(86, 119, 49);                     // (89, 51), with row 50 between
+    const Points farther = row(0, 28, 51) + row(29, 85, 52) + row(86, 119, 53);  // (91, 51)
+    const Points beforeAndNearer = row(0, 28, 49) + row(29, 85, 48) + row(86, 119, 47);  // (89, 49)
+    EXPECT_EQ(segmentsOf(peak + before), (Segments{{0, 50, 119, 50}}));
+    EXPECT_EQ(segmentsOf(peak + farther), (Segments{{0, 50, 119, 50}}));
+    EXPECT_EQ(segmentsOf(peak + beforeAndNearer), (Segments{{0, 49, 119, 50}}));
+    EXPECT_EQ(segmentsOf(farther), (Segments{{0, 51, 119, 53}}));
+}
+
+TEST(FindLineSegments, PeakLeavesAnAngleTwoStepsAway) {
+    // (90, 50) has 130 votes, (88, 51) 148 less those of row 50 that vote for (88, 50) or beyond.
+    const Points falling = row(0, 15, 51) + row(16, 43, 50) + row(44, 72, 49) + row(73, 101, 48) + row(102, 119, 47);
+    const Points points = row(0, 119, 50) + row(0, 0, 50, 40) + falling;
+    EXPECT_EQ(segmentsOf(points), (Segments{{0, 50, 119, 50}, {0, 50, 119, 47}}));
+}
+
 TEST(FindLineSegments, PeakLeavesCellsTwoStepsAway) {
     EXPECT_EQ(segmentsOf(row(0, 129, 50) + row(0, 119, 52)), (Segments{{0, 50, 129, 50}, {0, 52, 119, 52}}));
 }
