@@ -400,6 +400,20 @@ TEST(Otsu3, CentreRowIsTheMeanOfAllBlobPixels) {
     EXPECT_FALSE(probeIsMasked(out, 5));
 }
 
+TEST(Otsu3, CentreColumnOfTheBlobIsRoundedDown) {
+    // 31, 40 and 30 pixels in the columns 600 .. 602: 600 + 100 / 101. The band reaches 500 columns to either side.
+    Image src(1104, 60);
+    fillColumn(src, 600, 0, 31, 200);
+    fillColumn(src, 601, 0, 40, 200);
+    fillColumn(src, 602, 0, 30, 200);
+    for (int column : {99, 100, 1099, 1100}) drawBandProbe(src, column, 0);
+    Image out = selectStripe(src);
+    EXPECT_FALSE(probeIsMasked(out, 99));
+    EXPECT_TRUE(probeIsMasked(out, 100));
+    EXPECT_TRUE(probeIsMasked(out, 1099));
+    EXPECT_FALSE(probeIsMasked(out, 1100));
+}
+
 TEST(Otsu3, LastColumnIsNeverInTheBand) {
     Image src(8, 60);
     for (int x = 0; x < 4; ++x) fillColumn(src, x, 0, 30, 200);
