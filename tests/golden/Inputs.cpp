@@ -12,7 +12,7 @@ namespace {
 using scenes::RandomStream;
 using scenes::Sensor;
 
-enum Purpose : std::uint32_t { kRows, kHeights, kOutliers, kGaps };
+enum Purpose : std::uint32_t { kRows, kHeights, kOutliers, kGaps, kTilts };
 
 // A disc around the middle of the top edge.
 Bytes withBlob(Bytes pixels, const Sensor& sensor) {
@@ -84,6 +84,20 @@ Sequence makeSequence(const Sensor& sensor, const char* sceneName) {
     return sequence;
 }
 
+// Tilts as light sheets have them, and a few special ones.
+std::vector<Numbers> makePlanes() {
+    constexpr int kPlanes = 1000;
+    std::vector<Numbers> planes = {{300.0, 0.0, 1.0}, {0.0, 0.5, 30.0}, {1000.0, 1e-3, 1e-3}, {300.0, 0.1, 0.0}};
+    RandomStream random(1, 0, kTilts);
+    for (int i = 0; i < kPlanes; ++i) {
+        const double c0 = random.uniform(100.0, 500.0);
+        const double c1 = random.uniform(-0.5, 0.5);
+        const double c2 = random.uniform(-4.0, 4.0);
+        planes.push_back({c0, c1, c2});
+    }
+    return planes;
+}
+
 }  // namespace
 
 Inputs makeInputs() {
@@ -108,6 +122,7 @@ Inputs makeInputs() {
 
     inputs.sequences.push_back(makeSequence(withRoi(sensor, 501, 401, 319, 251), "gauge-block"));
     inputs.sequences.push_back(makeSequence(withRoi(curved, 640, 450, 160, 128), "weld-bead"));
+    inputs.planes = makePlanes();
     return inputs;
 }
 

@@ -41,6 +41,7 @@ struct Sequence {
 struct Inputs {
     std::vector<View> views;
     std::vector<Sequence> sequences;
+    std::vector<Numbers> planes;  ///< c0, c1, c2 of Z = c0 + c1 X + c2 Y; CalRT ends the process for none of them
 };
 
 Inputs makeInputs();

@@ -15,7 +15,6 @@
 
 #include "KorvaneLaserAlgo.h"
 #include "golden/Inputs.h"
-#include "scenes/PortableMath.h"
 #include "support/Checksum.h"
 
 namespace golden {
@@ -37,8 +36,8 @@ template <class Algo>
 class MethodRunner {
 public:
     MethodChecksums run(const Inputs& inputs) {
+        addInputs(inputs);
         for (const View& view : inputs.views) {
-            addInputs(view);
             useRegion(view.sensor);
             extract(view);
             calibrate(view);
@@ -47,7 +46,7 @@ public:
             operateOnImages(view);
             chain(view);
         }
-        alignPlanes();
+        alignPlanes(inputs.planes);
         for (const Sequence& sequence : inputs.sequences) {
             useRegion(sequence.sensor);
             stabilise(sequence);
@@ -70,13 +69,19 @@ private:
     }
 
     // So that a difference of the frames is not taken for one of all methods.
-    void addInputs(const View& view) {
+    void addInputs(const Inputs& inputs) {
         support::Checksum& sum = of("inputs");
-        sum.add(view.pixels);
-        sum.add(view.longer);
-        sum.add(view.mask.get(), view.points.size());
-        sum.add(view.points);
-        sum.add(view.profile);
+        for (const View& view : inputs.views) {
+            sum.add(view.pixels);
+            sum.add(view.longer);
+            sum.add(view.mask.get(), view.points.size());
+            sum.add(view.points);
+            sum.add(view.profile);
+        }
+        for (const Sequence& sequence : inputs.sequences) {
+            for (const Sequence::Frame& frame : sequence.frames) sum.add(frame.pixels);
+        }
+        for (const Numbers& plane : inputs.planes) sum.add(plane);
     }
 
     void useRegion(scenes::Sensor sensor) {
@@ -158,21 +163,12 @@ private:
         algo_.SetCalibrationInfo(&plain);
     }
 
-    // Tilts as light sheets have them, and a few special ones. None is near the plane whose normal is the output axis
-    // already, for which CalRT ends the process.
-    void alignPlanes() {
-        constexpr int kPlanes = 1000;
-        std::vector<Numbers> planes = {{300.0, 0.0, 1.0}, {0.0, 0.5, 30.0}, {1000.0, 1e-3, 1e-3}, {300.0, 0.1, 0.0}};
-        scenes::RandomStream random(1, 0, 0);
-        for (int i = 0; i < kPlanes; ++i) {
-            const double c0 = random.uniform(100.0, 500.0);
-            const double c1 = random.uniform(-0.5, 0.5);
-            planes.push_back({c0, c1, random.uniform(-4.0, 4.0)});
-        }
-        for (Numbers& plane : planes) {
+    void alignPlanes(const std::vector<Numbers>& planes) {
+        for (const Numbers& plane : planes) {
+            Numbers before = plane;
             Numbers rt(12, -7.0);
-            algo_.CalRT(plane.data(), rt.data());
-            of("CalRT").add(plane);
+            algo_.CalRT(before.data(), rt.data());
+            of("CalRT").add(before);
             of("CalRT").add(rt);
         }
     }
