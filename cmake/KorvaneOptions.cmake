@@ -19,6 +19,19 @@ if(MSVC)
 else()
   # The same bits on every processor: a fused multiply-add rounds once where the rule rounds twice.
   target_compile_options(korvane_options INTERFACE -ffp-contract=off)
+  # GCC 12 fuses even so where vectorised products meet + and - in turn. Where the flags ask for a processor that can,
+  # GCC is not told.
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    include(CheckCXXSourceCompiles)
+    check_cxx_source_compiles("
+      #if !defined(__FMA__) && !defined(__FMA4__) && !defined(__AVX512F__)
+      #error no fused multiply-add
+      #endif
+      int main() {}" KORVANE_PROCESSOR_FUSES)
+    if(KORVANE_PROCESSOR_FUSES)
+      target_compile_options(korvane_options INTERFACE -mno-fma -mno-fma4 -mno-avx512f)
+    endif()
+  endif()
   target_compile_options(korvane_options INTERFACE -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Wdouble-promotion)
   if(KORVANE_WARNINGS_AS_ERRORS)
     target_compile_options(korvane_options INTERFACE -Werror)
