@@ -3,6 +3,7 @@
 
 #include <iterator>
 
+#include "kernels/check/check.h"
 #include "kernels/kernels.h"
 #include "kernels/plain/plain.h"
 
@@ -105,28 +106,36 @@ const KernelSet& widestOfProcessor() {
 
 namespace {
 
-const KernelSet*& activeSet() {
+const KernelSet*& chosenSet() {
     static const KernelSet* set = &widestOfProcessor();
     return set;
 }
 
 }  // namespace
 
-const KernelSet& active() {
-    return *activeSet();
+const KernelSet& chosen() {
+    return *chosenSet();
 }
 
 void activate(const KernelSet& set) {
-    activeSet() = &set;
+    chosenSet() = &set;
 }
 
 #else
 
-const KernelSet& active() {
+const KernelSet& chosen() {
     static const KernelSet& set = widestOfProcessor();
     return set;
 }
 
 #endif
+
+const KernelSet& active() {
+#ifdef KORVANE_CHECK_KERNELS
+    return check::kTable;
+#else
+    return chosen();
+#endif
+}
 
 }  // namespace KORVANELASERALGO::kernels

@@ -5,8 +5,9 @@
 //   golden_checksums [--twin] --expect FILE    compares the exact group with such a file
 //   golden_checksums --compare                 compares the library with the twin, both groups
 //
-// The plain twin stands in for the library with --twin. A difference names the method and both values, and the exit
-// status is 1.
+// The plain twin stands in for the library with --twin. Before all that, --kernels=SET lets the library run with
+// another set of kernels than the processor's best; where the processor does not have it, the exit status is 77. A
+// difference names the method and both values, and the exit status is 1.
 
 #include <cstdio>
 #include <exception>
@@ -21,6 +22,7 @@
 #include "golden/Twin.h"
 #include "support/Checksum.h"
 #include "support/ExitGuard.h"
+#include "support/KernelSets.h"
 
 namespace {
 
@@ -31,6 +33,7 @@ using Values = std::map<std::string, std::string>;  // method, checksum in hexad
 
 constexpr int kDifference = 1;  // exit status
 constexpr int kUsage = 2;       // exit status
+constexpr int kSkipped = 77;    // exit status
 
 std::string hexadecimal(const support::Checksum& checksum) {
     char text[17];
@@ -104,7 +107,22 @@ int compare(const char* expectedName, const Values& expected, const char* foundN
     return differences == 0 && !expected.empty() ? 0 : kDifference;
 }
 
-int run(const std::vector<std::string>& arguments) {
+int run(std::vector<std::string> arguments) {
+    const std::string kernels = "--kernels=";
+    if (!arguments.empty() && arguments.front().rfind(kernels, 0) == 0) {
+        switch (support::chooseKernels(arguments.front().substr(kernels.size()))) {
+            case support::KernelChoice::kActive:
+                break;
+            case support::KernelChoice::kNotSupported:
+                std::puts("Skipped: this processor does not have these kernels.");
+                return kSkipped;
+            case support::KernelChoice::kUnknown:
+                std::fprintf(stderr, "golden_checksums: kernels are one of %s\n", support::kernelSetNames().c_str());
+                return kUsage;
+        }
+        arguments.erase(arguments.begin());
+    }
+
     bool ofTwin = false;
     std::string action = "--all";
     std::string file;
@@ -133,7 +151,7 @@ int run(const std::vector<std::string>& arguments) {
         return compare(file.c_str(), readExpected(file), name, valuesOf(checksums(ofTwin), true));
     if (action == "--compare" && !ofTwin)
         return compare("the twin", valuesOf(checksums(true), false), name, valuesOf(checksums(false), false));
-    std::fputs("usage: golden_checksums [--twin] [--exact | --expect FILE] | --compare\n", stderr);
+    std::fputs("usage: golden_checksums [--kernels=SET] [--twin] [--exact | --expect FILE] | --compare\n", stderr);
     return kUsage;
 }
 
