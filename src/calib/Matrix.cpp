@@ -59,9 +59,9 @@ void Matrix::allocateBlock(std::int32_t rowCount, std::int32_t colCount) {
     cols = colCount;
 }
 
-void Matrix::releaseBlock() {
-    delete[] data[0];
-    delete[] data;
+void Matrix::releaseBlock(double** rowPointers) {
+    delete[] rowPointers[0];
+    delete[] rowPointers;
 }
 
 // The loops below do not touch the elements of an empty matrix, for it has no row or no column.

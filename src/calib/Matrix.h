@@ -6,6 +6,7 @@
 #ifndef KORVANE_CALIB_MATRIX_H
 #define KORVANE_CALIB_MATRIX_H
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 
@@ -46,18 +47,18 @@ private:
         if (rowCount > kInnerRows || colCount > kInnerCols) return allocateBlock(rowCount, colCount);
         if (rowCount > 0 && colCount > 0) data = innerRows_;
         for (double& element : innerElements_) element = 0.0;
-        for (std::int32_t i = 0; i < kInnerRows; ++i) innerRows_[i] = innerElements_ + i * colCount;
+        for (std::int32_t i = 0; i < kInnerRows; ++i) innerRows_[i] = innerElements_ + std::ptrdiff_t{i} * colCount;
         rows = rowCount;
         cols = colCount;
     }
     void release() {
-        if (data != nullptr && data != innerRows_) releaseBlock();
+        if (data != nullptr && data != innerRows_) releaseBlock(data);
         data = nullptr;
         rows = 0;
         cols = 0;
     }
     void allocateBlock(std::int32_t rowCount, std::int32_t colCount);
-    void releaseBlock();
+    static void releaseBlock(double** rowPointers);
 
     // A matrix that fits, such as all of the plane-aligning transform, needs no memory beside itself.
     double* innerRows_[kInnerRows];

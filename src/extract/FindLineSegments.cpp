@@ -25,12 +25,13 @@ namespace {
 
 constexpr double kPi = 3.141592653589793;
 constexpr std::int32_t kLeastVotes = 101;
-constexpr std::int64_t kLargestSquaredGap = 20 * 20;   // pixels squared, inclusive
-constexpr std::int64_t kLeastSquaredLength = 50 * 50;  // pixels squared, inclusive
+constexpr std::int64_t kLargestSquaredGap = std::int64_t{20} * 20;   // pixels squared, inclusive
+constexpr std::int64_t kLeastSquaredLength = std::int64_t{50} * 50;  // pixels squared, inclusive
 
 // Pixels, exclusive: the single-precision number after the square root of 2. None lies between the two.
 constexpr float kInlierDistance = 0x1.6a09e8p0f;
-static_assert(double{0x1.6a09e6p0f} < 1.4142135623730951 && double{kInlierDistance} >= 1.4142135623730951);
+static_assert(static_cast<double>(0x1.6a09e6p0f) < 1.4142135623730951 &&
+              static_cast<double>(kInlierDistance) >= 1.4142135623730951);
 
 // Far more than the rounding errors of a distance, each at most 2^-24 of the sizes that enter.
 constexpr float kLeastSlack = 0.01f;  // pixels

@@ -11,7 +11,9 @@
 namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 struct PlaneDepth {
-    ManyDoubles c0, c1, c2;
+    ManyDoubles c0;
+    ManyDoubles c1;
+    ManyDoubles c2;
 
     explicit PlaneDepth(const double* c) : c0(c[0]), c1(c[1]), c2(c[2]) {}
 
@@ -21,7 +23,12 @@ struct PlaneDepth {
 };
 
 struct SurfaceDepth {
-    ManyDoubles c0, c1, c2, c3, c4, c5;
+    ManyDoubles c0;
+    ManyDoubles c1;
+    ManyDoubles c2;
+    ManyDoubles c3;
+    ManyDoubles c4;
+    ManyDoubles c5;
 
     explicit SurfaceDepth(const double* c) : c0(c[0]), c1(c[1]), c2(c[2]), c3(c[3]), c4(c[4]), c5(c[5]) {}
 
@@ -40,7 +47,8 @@ struct SurfaceDepth {
             return throughSingle(secondTop / twoA);
 
         const ManyDoubles first = throughSingle(firstTop / twoA);
-        const ManyFlags outOfRange = (first < ManyDoubles(0.0)) | (first > ManyDoubles(double{kLargestDepth}));
+        const ManyFlags outOfRange =
+            (first < ManyDoubles(0.0)) | (first > ManyDoubles(static_cast<double>(kLargestDepth)));
         return choose(outOfRange, throughSingle(secondTop / twoA), first);
     }
 };
@@ -48,14 +56,20 @@ struct SurfaceDepth {
 template <class Depth>
 inline void meet(const LightSheet& sheet, const bool* found, const double* points, std::size_t count, double* points3d,
                  const Depth& depth) {
-    const ManyDoubles fx(sheet.camera.fx), cx(sheet.camera.cx), fy(sheet.camera.fy), cy(sheet.camera.cy);
-    const ManyDoubles lowerBound(sheet.lowerBound), upperBound(sheet.upperBound), zero(0.0);
+    const ManyDoubles fx(sheet.camera.fx);
+    const ManyDoubles cx(sheet.camera.cx);
+    const ManyDoubles fy(sheet.camera.fy);
+    const ManyDoubles cy(sheet.camera.cy);
+    const ManyDoubles lowerBound(sheet.lowerBound);
+    const ManyDoubles upperBound(sheet.upperBound);
+    const ManyDoubles zero(0.0);
     const double* rt = sheet.rt;
 
     const std::size_t lastLane = count - kDoubles;
     for (std::size_t next = 0; next < count; next += kDoubles) {
         const std::size_t i = next < lastLane ? next : lastLane;
-        ManyDoubles u, v;
+        ManyDoubles u;
+        ManyDoubles v;
         loadPairs(points + 2 * i, u, v);
         const ManyFlags accepted = areSet(found + i) & (u > lowerBound) & (u < upperBound);
 
@@ -64,7 +78,7 @@ inline void meet(const LightSheet& sheet, const bool* found, const double* point
         const ManyDoubles s = depth(x, y);
         const ManyDoubles px = s * x;
         const ManyDoubles py = s * y;
-        const auto row = [&](int r) {
+        const auto row = [&](std::ptrdiff_t r) {
             const double* a = rt + 3 * r;
             const ManyDoubles sum =
                 ManyDoubles(a[0]) * px + ManyDoubles(a[1]) * py + ManyDoubles(a[2]) * s + ManyDoubles(rt[9 + r]);

@@ -212,8 +212,8 @@ inline void storeTriples(double* p, DoubleRegister x, DoubleRegister y, DoubleRe
 #endif
 
 inline constexpr int kDoubleRegisters = 4;
-inline constexpr int kPerRegister = static_cast<int>(sizeof(DoubleRegister) / sizeof(double));
-inline constexpr int kDoubles = kDoubleRegisters * kPerRegister;  // numbers of a lane
+inline constexpr std::ptrdiff_t kPerRegister = sizeof(DoubleRegister) / sizeof(double);
+inline constexpr std::size_t kDoubles = kDoubleRegisters * kPerRegister;  // numbers of a lane
 
 /// One answer per number.
 struct ManyFlags {

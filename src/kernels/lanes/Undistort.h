@@ -10,9 +10,18 @@
 namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 inline void undistort(const Pinhole& camera, const LensDistortion& lens, double* points, std::size_t count) {
-    const ManyDoubles fx(camera.fx), cx(camera.cx), fy(camera.fy), cy(camera.cy);
-    const ManyDoubles k1(lens.k1), k2(lens.k2), k3(lens.k3), p1(lens.p1), p2(lens.p2);
-    const ManyDoubles one(1.0), twoP1(2.0 * lens.p1), twoP2(2.0 * lens.p2);
+    const ManyDoubles fx(camera.fx);
+    const ManyDoubles cx(camera.cx);
+    const ManyDoubles fy(camera.fy);
+    const ManyDoubles cy(camera.cy);
+    const ManyDoubles k1(lens.k1);
+    const ManyDoubles k2(lens.k2);
+    const ManyDoubles k3(lens.k3);
+    const ManyDoubles p1(lens.p1);
+    const ManyDoubles p2(lens.p2);
+    const ManyDoubles one(1.0);
+    const ManyDoubles twoP1(2.0 * lens.p1);
+    const ManyDoubles twoP2(2.0 * lens.p2);
 
     double last[2 * kDoubles];  // less than a lane, filled up with copies of its first point
     while (count > 0) {
@@ -23,10 +32,13 @@ inline void undistort(const Pinhole& camera, const LensDistortion& lens, double*
             for (std::size_t i = 0; i < 2 * kDoubles; ++i) last[i] = points[i < values ? i : i % 2];
         }
 
-        ManyDoubles x, y;
+        ManyDoubles x;
+        ManyDoubles y;
         loadPairs(lane, x, y);
-        const ManyDoubles x0 = x = (x - cx) / fx;
-        const ManyDoubles y0 = y = (y - cy) / fy;
+        x = (x - cx) / fx;
+        y = (y - cy) / fy;
+        const ManyDoubles x0 = x;
+        const ManyDoubles y0 = y;
         for (int round = 0; round < kUndistortRounds; ++round) {
             const ManyDoubles xx = x * x;
             const ManyDoubles yy = y * y;
