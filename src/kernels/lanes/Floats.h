@@ -32,7 +32,9 @@ inline Floats max(Floats a, Floats b) {
 
 /// Not a number and -0.0 are the values that equal comparisons do not tell from all others.
 inline bool anyWithoutOrder(Floats a) {
-    constexpr int kQuietNan = 0x01, kNegativeZero = 0x04, kSignallingNan = 0x80;
+    constexpr int kQuietNan = 0x01;
+    constexpr int kNegativeZero = 0x04;
+    constexpr int kSignallingNan = 0x80;
     return _mm512_fpclass_ps_mask(a.lanes, kQuietNan | kNegativeZero | kSignallingNan) != 0;
 }
 

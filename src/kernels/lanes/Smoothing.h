@@ -46,7 +46,7 @@ inline void smoothLane(const double* neighbours, const double* weights, std::siz
 
 inline void smoothHeights(const double* heights, std::size_t count, const double* weights, std::size_t reach,
                           double step, double* smoothed) {
-    constexpr std::size_t kGroup = kSmoothedLanes * Doubles::kCount;
+    constexpr std::size_t kGroup = std::size_t{kSmoothedLanes} * Doubles::kCount;
     const std::size_t taps = 2 * reach + 1;
     double weightSum = 0.0;
     for (std::size_t k = 0; k < taps; ++k) weightSum += weights[k];

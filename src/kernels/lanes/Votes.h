@@ -82,7 +82,9 @@ inline bool directionsAgree(Slopes& known, std::size_t j, std::size_t count, std
 }
 
 inline std::size_t keepOutliers(const double* x, const double* z, std::size_t count, std::size_t w, double threshold,
-                                double slopeBound, double* slopes, std::int32_t* positions) {
+                                double slopeBound,
+                                double* slopes,  // NOLINT(readability-non-const-parameter): written through `known`
+                                std::int32_t* positions) {
     constexpr std::size_t kGroup = 16;
     // Depths that are all this close to one of them are less than the threshold apart, also after rounding. Of the
     // neighbours -w .. w - 1 the nearest w + 1 are enough.
