@@ -50,7 +50,7 @@ TESTS_OF_ROOM = {
 }
 PROGRAMS = [*UNIT_TESTS.values(), FAILURE_TESTS, FUZZ]
 
-COMPILE_SECONDS = 120
+BUILD_SECONDS = 600
 MEMORY = 6 << 30  # bytes of address space; a changed size may ask for all there is
 
 Mutant = collections.namedtuple("Mutant", "file mutation")
@@ -79,6 +79,14 @@ def run(command, seconds, folder=BUILD):
         except ProcessLookupError:
             pass
         process.wait()
+
+
+def build_step(command, folder):
+    """Whether a compiler or linker succeeds."""
+    status = run(command, BUILD_SECONDS, folder)
+    if status is None:
+        sys.exit(f"mutate: no end after {BUILD_SECONDS} seconds: {shlex.join(command)}")
+    return status == 0
 
 
 def copy_tree():
@@ -206,7 +214,7 @@ class Worker:
             if option in command:
                 del command[command.index(option):command.index(option) + 2]
         command = [word for word in command if word != "-MD"]
-        if run([*command, "-w"], COMPILE_SECONDS, self.folder) != 0:
+        if not build_step([*command, "-w"], self.folder):
             return None
         return hashlib.sha256(output.read_bytes()).digest()
 
@@ -216,9 +224,7 @@ class Worker:
         command = [word for word in self.recipes.link[program] if word not in objects]
         command[command.index("-o") + 1] = str(output)
         command[1:1] = [str(self.folder / "changed" / name) for name in objects]
-        if run(command, COMPILE_SECONDS, OBJECTS) != 0:
-            return None
-        return output
+        return output if build_step(command, OBJECTS) else None
 
     def outcome_of(self, mutant):
         original = (TREE / mutant.file).read_text(encoding="utf-8")
@@ -227,6 +233,8 @@ class Worker:
         for name in objects:
             if name not in self.unchanged:
                 self.unchanged[name] = self.compile(name)
+                if self.unchanged[name] is None:
+                    sys.exit(f"mutate: {name} does not compile unchanged")
         change = mutant.mutation
         source.write_text(original[:change.start] + change.replacement + original[change.end:], encoding="utf-8")
         try:
