@@ -50,8 +50,8 @@ struct BrightWidth {
     double mean;           // bright rows of those columns; 0 without any
 };
 
-BrightWidth measureBrightWidth(const PreviousFrame& frame, int width, int height) {
-    std::vector<std::uint64_t> stripe(static_cast<std::size_t>(kernels::blocksOf(width)) + 1);
+// `stripe` is a working buffer: the columns in which the stripe shows.
+BrightWidth measureBrightWidth(const PreviousFrame& frame, int width, int height, std::vector<std::uint64_t>& stripe) {
     const std::uint64_t pixels = kernels::active().countMarks(frame.brightPixels.data(), width, height, stripe.data());
 
     std::int64_t columns = 0;
@@ -82,13 +82,15 @@ bool AutoExposure(const AlgoContext& context, const unsigned char* image, double
         return false;
     }
 
+    // Whatever may fail to allocate does so before anything has changed.
+    std::vector<std::uint64_t> stripe(static_cast<std::size_t>(kernels::blocksOf(view.width)) + 1);
     const double exposureBefore = previous.exposure;
     const double change = exposure - exposureBefore;
     if (!(kExposureChange > std::fabs(change))) {
         // The line of width against exposure through both frames, solved for the target.
-        const BrightWidth before = measureBrightWidth(previous, view.width, view.height);
+        const BrightWidth before = measureBrightWidth(previous, view.width, view.height, stripe);
         store(previous, view, pixels, exposure);
-        const BrightWidth now = measureBrightWidth(previous, view.width, view.height);
+        const BrightWidth now = measureBrightWidth(previous, view.width, view.height, stripe);
         if (before.columns == 0 || now.columns == 0) return false;
 
         const double slope = (now.mean - before.mean) / (change + kGuard);
@@ -101,7 +103,7 @@ bool AutoExposure(const AlgoContext& context, const unsigned char* image, double
 
     // A fixed step up or down. A stripe that shows in too few columns raises the exposure, unless it is too wide.
     store(previous, view, pixels, exposure);
-    const BrightWidth now = measureBrightWidth(previous, view.width, view.height);
+    const BrightWidth now = measureBrightWidth(previous, view.width, view.height, stripe);
     const double difference = now.mean - target;
     const bool wideEnough = static_cast<double>(now.columns) > view.width * kLeastShareOfColumns;
     double proposal = exposure;

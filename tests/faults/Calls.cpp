@@ -247,7 +247,7 @@ const std::vector<Call>& allCalls() {
          [](Algo& algo, Arguments& a) { algo.Cal3DPoint1(a.mask.data(), a.points2d, a.points3d); }},
         {"Cal3DPoint2", kOneStripe, kWorkingBuffers, kAnyOutputs, kSameObject,
          [](Algo& algo, Arguments& a) { algo.Cal3DPoint2(a.mask.data(), a.points2d, a.points3d); }},
-        {"CalRT", kOneStripe, kWorkingBuffers, kAnyOutputs, kDifferentObjects,
+        {"CalRT", kOneStripe, kNone, kAnyOutputs, kDifferentObjects,
          [](Algo& algo, Arguments& a) { algo.CalRT(a.plane.data(), a.rt.data()); }},
         {"polynomialFit", kOneStripe, kWorkingBuffers, kUnchanged, kDifferentObjects,
          [](Algo& algo, Arguments& a) { a.coefficients = algo.polynomialFit(a.sampleXs, a.sampleYs, 4); }},

@@ -36,7 +36,7 @@ COPIED = ("CMakeLists.txt", "cmake", "include", "src", "scenes", "tests")
 
 # Room -> its test programs, in the order in which they run. A fuzz room stands for random cases of it.
 UNIT_TESTS = {room: f"tests/{room}/{room}_tests" for room in ("algo", "calib", "profile", "extract", "image")}
-FAILURE_TESTS = "tests/image/image_failure_tests"
+FAILURE_TESTS = "tests/faults/failure_tests"
 FUZZ = "tests/fuzz/fuzz_cases"
 FUZZ_CASES = {"calibration": 100000, "profile": 20000, "extraction": 4000, "image": 3000, "chain": 2000}
 FUZZ_SEED = 11
@@ -45,7 +45,9 @@ TESTS_OF_ROOM = {
     "profile": [UNIT_TESTS["profile"], "profile"],
     "extract": [UNIT_TESTS["extract"], "extraction"],
     "image": [UNIT_TESTS["image"], FAILURE_TESTS, "image"],
-    "kernels": [UNIT_TESTS["extract"], UNIT_TESTS["image"], "extraction", "image"],
+    # The same tests for every set of kernels.
+    "kernels": [f"{UNIT_TESTS[room]} --kernels={name}" for name in ("AVX512", "plain", "SSE2", "AVX2")
+                for room in ("extract", "image", "profile", "calib")] + [*FUZZ_CASES],
     "algo": [*UNIT_TESTS.values(), *FUZZ_CASES],
 }
 PROGRAMS = [*UNIT_TESTS.values(), FAILURE_TESTS, FUZZ]
@@ -113,7 +115,7 @@ def build_tree(jobs):
     with open(log, "w", encoding="utf-8") as output:
         configure = ["cmake", "-S", TREE, "-B", OBJECTS, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Release",
                      "-DCMAKE_CXX_FLAGS_RELEASE=-O1 -DNDEBUG", "-DCMAKE_CXX_COMPILER_LAUNCHER=",
-                     "-DKORVANE_BUILD_EXAMPLES=OFF"]
+                     "-DKORVANE_BUILD_EXAMPLES=OFF", "-DKORVANE_BUILD_BENCHMARKS=OFF"]
         build = ["cmake", "--build", OBJECTS, "--parallel", str(jobs), "--target",
                  *[pathlib.Path(program).name for program in PROGRAMS]]
         for command in (configure, build):
@@ -184,11 +186,11 @@ def command_of(test, program):
     """The command that runs a test, with the program in place of the one that was built."""
     if test in FUZZ_CASES:
         return [program, "--cases", str(FUZZ_CASES[test]), str(FUZZ_SEED), test]
-    return [program, "--gtest_brief=1", "--gtest_fail_fast"]
+    return [program, "--gtest_brief=1", "--gtest_fail_fast", *test.split()[1:]]
 
 
 def program_of(test):
-    return FUZZ if test in FUZZ_CASES else test
+    return FUZZ if test in FUZZ_CASES else test.split()[0]
 
 
 class Worker:
@@ -309,7 +311,7 @@ def read_changes(path):
 def measure_time_limits(recipes):
     """Runs every test on the unchanged library: it must pass, and its time sets the limit."""
     limits = {}
-    for test in [*UNIT_TESTS.values(), FAILURE_TESTS, *FUZZ_CASES]:
+    for test in dict.fromkeys(test for tests in TESTS_OF_ROOM.values() for test in tests):
         program = program_of(test)
         start = time.monotonic()
         status = run(command_of(test, OBJECTS / program), 600, OBJECTS / pathlib.Path(program).parent)
