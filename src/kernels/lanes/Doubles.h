@@ -1,5 +1,5 @@
-// Lanes of doubles, as many as one register of the set holds, and the points of a profile as such lanes. A comparison
-// with not a number is false.
+// Lanes of doubles, as many as one register of the set holds. Every operation is that of plain doubles on each number
+// by itself, rounded alike; a comparison with not a number is false.
 
 #ifndef KORVANE_KERNELS_LANES_DOUBLES_H
 #define KORVANE_KERNELS_LANES_DOUBLES_H
@@ -17,6 +17,12 @@ namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 struct DoubleMask {
     __mmask8 bits;
+
+    /// Is each of as many bytes not 0?
+    static DoubleMask ofBytes(const void* bytes) {
+        const __m128i values = _mm_loadl_epi64(static_cast<const __m128i*>(bytes));
+        return {static_cast<__mmask8>(_mm_test_epi8_mask(values, values))};
+    }
 };
 
 struct Doubles {
@@ -43,6 +49,17 @@ inline Doubles operator/(Doubles a, Doubles b) {
 inline Doubles absolute(Doubles a) {
     return {_mm512_abs_pd(a.lanes)};
 }
+inline Doubles negated(Doubles a) {
+    return {_mm512_xor_pd(a.lanes, _mm512_set1_pd(-0.0))};
+}
+// Two with masks of all lanes, because the forms without a mask make GCC 12 warn of uninitialised values.
+inline Doubles squareRoot(Doubles a) {
+    return {_mm512_maskz_sqrt_pd(0xff, a.lanes)};
+}
+/// Rounded to single precision and widened again.
+inline Doubles throughSingle(Doubles a) {
+    return {_mm512_maskz_cvtps_pd(0xff, _mm512_maskz_cvtpd_ps(0xff, a.lanes))};
+}
 inline DoubleMask less(Doubles a, Doubles b) {
     return {_mm512_cmp_pd_mask(a.lanes, b.lanes, _CMP_LT_OQ)};
 }
@@ -51,6 +68,12 @@ inline DoubleMask notZero(Doubles a) {
 }
 inline DoubleMask operator&(DoubleMask a, DoubleMask b) {
     return {static_cast<__mmask8>(a.bits & b.bits)};
+}
+inline DoubleMask operator|(DoubleMask a, DoubleMask b) {
+    return {static_cast<__mmask8>(a.bits | b.bits)};
+}
+inline Doubles choose(DoubleMask mask, Doubles yes, Doubles no) {
+    return {_mm512_mask_blend_pd(mask.bits, no.lanes, yes.lanes)};
 }
 /// Truncates toward zero; gives the smallest integer where there is no 32-bit integer.
 inline void storeTruncated(std::int32_t* p, Doubles a) {
@@ -74,6 +97,11 @@ inline Doubles addWhere(DoubleMask mask, Doubles a, Doubles b) {
 
 struct DoubleMask {
     __m256d lanes;
+
+    static DoubleMask ofBytes(const void* bytes) {
+        const __m256i values = _mm256_cvtepu8_epi64(_mm_loadu_si32(bytes));
+        return {_mm256_castsi256_pd(_mm256_cmpgt_epi64(values, _mm256_setzero_si256()))};
+    }
 };
 
 struct Doubles {
@@ -100,6 +128,15 @@ inline Doubles operator/(Doubles a, Doubles b) {
 inline Doubles absolute(Doubles a) {
     return {_mm256_andnot_pd(_mm256_set1_pd(-0.0), a.lanes)};
 }
+inline Doubles negated(Doubles a) {
+    return {_mm256_xor_pd(a.lanes, _mm256_set1_pd(-0.0))};
+}
+inline Doubles squareRoot(Doubles a) {
+    return {_mm256_sqrt_pd(a.lanes)};
+}
+inline Doubles throughSingle(Doubles a) {
+    return {_mm256_cvtps_pd(_mm256_cvtpd_ps(a.lanes))};
+}
 inline DoubleMask less(Doubles a, Doubles b) {
     return {_mm256_cmp_pd(a.lanes, b.lanes, _CMP_LT_OQ)};
 }
@@ -108,6 +145,12 @@ inline DoubleMask notZero(Doubles a) {
 }
 inline DoubleMask operator&(DoubleMask a, DoubleMask b) {
     return {_mm256_and_pd(a.lanes, b.lanes)};
+}
+inline DoubleMask operator|(DoubleMask a, DoubleMask b) {
+    return {_mm256_or_pd(a.lanes, b.lanes)};
+}
+inline Doubles choose(DoubleMask mask, Doubles yes, Doubles no) {
+    return {_mm256_blendv_pd(no.lanes, yes.lanes, mask.lanes)};
 }
 inline void storeTruncated(std::int32_t* p, Doubles a) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(p), _mm256_cvttpd_epi32(a.lanes));
@@ -128,6 +171,11 @@ inline Doubles addWhere(DoubleMask mask, Doubles a, Doubles b) {
 
 struct DoubleMask {
     __m128d lanes;
+
+    static DoubleMask ofBytes(const void* bytes) {
+        const std::uint8_t* values = static_cast<const std::uint8_t*>(bytes);
+        return {_mm_castsi128_pd(_mm_set_epi64x(values[1] != 0 ? -1 : 0, values[0] != 0 ? -1 : 0))};
+    }
 };
 
 struct Doubles {
@@ -154,6 +202,15 @@ inline Doubles operator/(Doubles a, Doubles b) {
 inline Doubles absolute(Doubles a) {
     return {_mm_andnot_pd(_mm_set1_pd(-0.0), a.lanes)};
 }
+inline Doubles negated(Doubles a) {
+    return {_mm_xor_pd(a.lanes, _mm_set1_pd(-0.0))};
+}
+inline Doubles squareRoot(Doubles a) {
+    return {_mm_sqrt_pd(a.lanes)};
+}
+inline Doubles throughSingle(Doubles a) {
+    return {_mm_cvtps_pd(_mm_cvtpd_ps(a.lanes))};
+}
 inline DoubleMask less(Doubles a, Doubles b) {
     return {_mm_cmplt_pd(a.lanes, b.lanes)};
 }
@@ -162,6 +219,12 @@ inline DoubleMask notZero(Doubles a) {
 }
 inline DoubleMask operator&(DoubleMask a, DoubleMask b) {
     return {_mm_and_pd(a.lanes, b.lanes)};
+}
+inline DoubleMask operator|(DoubleMask a, DoubleMask b) {
+    return {_mm_or_pd(a.lanes, b.lanes)};
+}
+inline Doubles choose(DoubleMask mask, Doubles yes, Doubles no) {
+    return {_mm_or_pd(_mm_and_pd(mask.lanes, yes.lanes), _mm_andnot_pd(mask.lanes, no.lanes))};
 }
 inline void storeTruncated(std::int32_t* p, Doubles a) {
     _mm_storel_epi64(reinterpret_cast<__m128i*>(p), _mm_cvttpd_epi32(a.lanes));

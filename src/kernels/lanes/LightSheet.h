@@ -11,9 +11,7 @@
 namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 struct PlaneDepth {
-    ManyDoubles c0;
-    ManyDoubles c1;
-    ManyDoubles c2;
+    ManyDoubles c0, c1, c2;
 
     explicit PlaneDepth(const double* c) : c0(c[0]), c1(c[1]), c2(c[2]) {}
 
@@ -23,12 +21,7 @@ struct PlaneDepth {
 };
 
 struct SurfaceDepth {
-    ManyDoubles c0;
-    ManyDoubles c1;
-    ManyDoubles c2;
-    ManyDoubles c3;
-    ManyDoubles c4;
-    ManyDoubles c5;
+    ManyDoubles c0, c1, c2, c3, c4, c5;
 
     explicit SurfaceDepth(const double* c) : c0(c[0]), c1(c[1]), c2(c[2]), c3(c[3]), c4(c[4]), c5(c[5]) {}
 
@@ -65,20 +58,20 @@ inline void meet(const LightSheet& sheet, const bool* found, const double* point
     const ManyDoubles zero(0.0);
     const double* rt = sheet.rt;
 
-    const std::size_t lastLane = count - kDoubles;
-    for (std::size_t next = 0; next < count; next += kDoubles) {
+    const std::size_t lastLane = count - ManyDoubles::kCount;
+    for (std::size_t next = 0; next < count; next += ManyDoubles::kCount) {
         const std::size_t i = next < lastLane ? next : lastLane;
         ManyDoubles u;
         ManyDoubles v;
         loadPairs(points + 2 * i, u, v);
-        const ManyFlags accepted = areSet(found + i) & (u > lowerBound) & (u < upperBound);
+        const ManyFlags accepted = ManyFlags::ofBytes(found + i) & (u > lowerBound) & (u < upperBound);
 
         const ManyDoubles x = (u - cx) / fx;
         const ManyDoubles y = (v - cy) / fy;
         const ManyDoubles s = depth(x, y);
         const ManyDoubles px = s * x;
         const ManyDoubles py = s * y;
-        const auto row = [&](std::ptrdiff_t r) {
+        const auto row = [&](std::size_t r) {
             const double* a = rt + 3 * r;
             const ManyDoubles sum =
                 ManyDoubles(a[0]) * px + ManyDoubles(a[1]) * py + ManyDoubles(a[2]) * s + ManyDoubles(rt[9 + r]);
@@ -92,19 +85,19 @@ template <class Depth>
 inline void meetAny(const LightSheet& sheet, const bool* found, const double* points, std::size_t count,
                     double* points3d) {
     const Depth depth(sheet.surface);
-    if (count >= kDoubles) return meet(sheet, found, points, count, points3d, depth);
+    if (count >= ManyDoubles::kCount) return meet(sheet, found, points, count, points3d, depth);
     if (count == 0) return;
 
-    bool laneFound[kDoubles];
-    double lane[2 * kDoubles];
-    double lane3d[3 * kDoubles];
-    for (std::size_t i = 0; i < kDoubles; ++i) {
+    bool laneFound[ManyDoubles::kCount];
+    double lane[2 * ManyDoubles::kCount];
+    double lane3d[3 * ManyDoubles::kCount];
+    for (std::size_t i = 0; i < ManyDoubles::kCount; ++i) {
         const std::size_t from = i < count ? i : 0;
         laneFound[i] = found[from];
         lane[2 * i] = points[2 * from];
         lane[2 * i + 1] = points[2 * from + 1];
     }
-    meet(sheet, laneFound, lane, kDoubles, lane3d, depth);
+    meet(sheet, laneFound, lane, ManyDoubles::kCount, lane3d, depth);
     for (std::size_t i = 0; i < 3 * count; ++i) points3d[i] = lane3d[i];
 }
 

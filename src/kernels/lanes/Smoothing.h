@@ -11,7 +11,7 @@
 
 namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
-inline constexpr int kSmoothedLanes = 4;  // of a group
+inline constexpr std::size_t kSmoothedLanes = 4;  // of a group
 
 // All neighbours count.
 inline void smoothFlatGroup(const double* neighbours, const double* weights, std::size_t taps, double weightSum,
@@ -20,12 +20,11 @@ inline void smoothFlatGroup(const double* neighbours, const double* weights, std
     for (Doubles& sum : sums) sum = Doubles::fill(0.0);
     for (std::size_t k = 0; k < taps; ++k) {
         const Doubles weight = Doubles::fill(weights[k]);
-        for (int i = 0; i < kSmoothedLanes; ++i)
-            sums[i] = sums[i] + Doubles::load(neighbours + k + static_cast<std::size_t>(i) * Doubles::kCount) * weight;
+        for (std::size_t i = 0; i < kSmoothedLanes; ++i)
+            sums[i] = sums[i] + Doubles::load(neighbours + k + i * Doubles::kCount) * weight;
     }
     const Doubles total = Doubles::fill(weightSum);
-    for (int i = 0; i < kSmoothedLanes; ++i)
-        (sums[i] / total).store(smoothed + static_cast<std::size_t>(i) * Doubles::kCount);
+    for (std::size_t i = 0; i < kSmoothedLanes; ++i) (sums[i] / total).store(smoothed + i * Doubles::kCount);
 }
 
 inline void smoothLane(const double* neighbours, const double* weights, std::size_t taps, double step,

@@ -23,13 +23,13 @@ inline void undistort(const Pinhole& camera, const LensDistortion& lens, double*
     const ManyDoubles twoP1(2.0 * lens.p1);
     const ManyDoubles twoP2(2.0 * lens.p2);
 
-    double last[2 * kDoubles];  // less than a lane, filled up with copies of its first point
+    double last[2 * ManyDoubles::kCount];  // less than a lane, filled up with copies of its first point
     while (count > 0) {
-        const std::size_t values = 2 * (count < kDoubles ? count : kDoubles);
+        const std::size_t values = 2 * (count < ManyDoubles::kCount ? count : ManyDoubles::kCount);
         double* lane = points;
-        if (count < kDoubles) {
+        if (count < ManyDoubles::kCount) {
             lane = last;
-            for (std::size_t i = 0; i < 2 * kDoubles; ++i) last[i] = points[i < values ? i : i % 2];
+            for (std::size_t i = 0; i < 2 * ManyDoubles::kCount; ++i) last[i] = points[i < values ? i : i % 2];
         }
 
         ManyDoubles x;

@@ -58,7 +58,9 @@ struct Slopes {
     const double* x;
     const double* z;
     double* slopes;
-    std::size_t end;  // they are known up to here, as far as they were needed
+    std::size_t end = 1;  // they are known up to here, as far as they were needed
+
+    Slopes(const double* ofX, const double* ofZ, double* buffer) : x(ofX), z(ofZ), slopes(buffer) {}
 
     void find(std::size_t from, std::size_t to) {
         for (end = end < from ? from : end; end < to; end += Doubles::kCount) {
@@ -82,16 +84,14 @@ inline bool directionsAgree(Slopes& known, std::size_t j, std::size_t count, std
 }
 
 inline std::size_t keepOutliers(const double* x, const double* z, std::size_t count, std::size_t w, double threshold,
-                                double slopeBound,
-                                double* slopes,  // NOLINT(readability-non-const-parameter): written through `known`
-                                std::int32_t* positions) {
+                                double slopeBound, double* slopes, std::int32_t* positions) {
     constexpr std::size_t kGroup = 16;
     // Depths that are all this close to one of them are less than the threshold apart, also after rounding. Of the
     // neighbours -w .. w - 1 the nearest w + 1 are enough.
     const double close = 0.48 * (threshold > kLargestFloat ? kLargestFloat : threshold);
     const std::size_t before = w - w / 2;
     std::size_t outliers = 0;
-    Slopes known = {x, z, slopes, 1};
+    Slopes known(x, z, slopes);
 
     for (std::size_t j = 0; j < count; j += kGroup) {
         if (w > 0 && allWithin(z + j - before, kGroup + w, z[j + kGroup / 2], close)) continue;

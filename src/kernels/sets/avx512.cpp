@@ -4,10 +4,9 @@
 #define KORVANE_KERNEL_LEVEL 3
 #define KORVANE_KERNEL_NAME "AVX512"
 
-// GCC 12 takes the undefined registers in its own headers for uninitialised variables.
 #if defined(__GNUC__) && !defined(__clang__)
+// GCC takes the undefined registers in its own headers for uninitialised variables.
 #pragma GCC diagnostic ignored "-Wmaybe-uninitialized"
-#pragma GCC diagnostic ignored "-Wuninitialized"
 #endif
 
 #include "kernels/lanes/Table.h"
