@@ -81,10 +81,10 @@ std::int64_t renumber(const Profile& points, std::int32_t* numbers, std::int32_t
     for (std::size_t i = 0; i < points.size(); ++i) {
         if (isValid(points[i]) && numbers[i] >= first && numbers[i] <= last) occupied.push_back(numbers[i]);
     }
-    std::ranges::sort(occupied);
-    occupied.erase(std::ranges::unique(occupied).begin(), occupied.end());
+    std::sort(occupied.begin(), occupied.end());
+    occupied.erase(std::unique(occupied.begin(), occupied.end()), occupied.end());
     for (std::size_t i = 0; i < points.size(); ++i) {
-        const auto place = std::ranges::lower_bound(occupied, numbers[i]);
+        const auto place = std::lower_bound(occupied.begin(), occupied.end(), numbers[i]);
         const bool found = place != occupied.end() && *place == numbers[i];
         numbers[i] = found ? static_cast<std::int32_t>(place - occupied.begin()) : -1;
     }

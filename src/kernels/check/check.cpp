@@ -3,6 +3,7 @@
 // is for tests only.
 
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -29,9 +30,11 @@ void require(bool same, const char* pass) {
 template <class T>
 bool sameValue(const T& a, const T& b) {
     if constexpr (std::is_floating_point_v<T>) {
-        if (a != a && b != b) return true;
+        if (std::isnan(a) || std::isnan(b)) return std::isnan(a) && std::isnan(b);
+        return a == b && std::signbit(a) == std::signbit(b);
+    } else {
+        return std::memcmp(&a, &b, sizeof(T)) == 0;
     }
-    return std::memcmp(&a, &b, sizeof(T)) == 0;
 }
 
 // A copy of what a pass is going to write, for the twin to work on.
@@ -313,7 +316,7 @@ bool findMedians(const double* heights, std::size_t count, int r, double* median
     std::vector<float> window;
     for (std::size_t j = 0; j < count; ++j) {
         const double* first = heights + j + 1;
-        window.assign(static_cast<std::size_t>(2 * r + 1), 0.0f);
+        window.assign(2 * static_cast<std::size_t>(r) + 1, 0.0f);
         for (std::size_t k = 0; k < window.size(); ++k) window[k] = static_cast<float>(first[k]);
         std::sort(window.begin(), window.end());
         require(sameValue(medians[j], static_cast<double>(window[static_cast<std::size_t>(r)])), "findMedians");
