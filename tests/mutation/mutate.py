@@ -37,6 +37,7 @@ COPIED = ("CMakeLists.txt", "cmake", "include", "src", "scenes", "tests")
 # Room -> its test programs, in the order in which they run. A fuzz room stands for random cases of it.
 UNIT_TESTS = {room: f"tests/{room}/{room}_tests" for room in ("algo", "calib", "profile", "extract", "image")}
 FAILURE_TESTS = "tests/faults/failure_tests"
+SIZE_TESTS = "tests/faults/size_tests"
 FUZZ = "tests/fuzz/fuzz_cases"
 FUZZ_CASES = {"calibration": 100000, "profile": 20000, "extraction": 4000, "image": 3000, "chain": 2000}
 FUZZ_SEED = 11
@@ -47,10 +48,10 @@ TESTS_OF_ROOM = {
     "image": [UNIT_TESTS["image"], FAILURE_TESTS, "image"],
     # The same tests for every set of kernels.
     "kernels": [f"{UNIT_TESTS[room]} --kernels={name}" for name in ("AVX512", "plain", "SSE2", "AVX2")
-                for room in ("extract", "image", "profile", "calib")] + [*FUZZ_CASES],
+                for room in ("extract", "image", "profile", "calib")] + [SIZE_TESTS, *FUZZ_CASES],
     "algo": [*UNIT_TESTS.values(), *FUZZ_CASES],
 }
-PROGRAMS = [*UNIT_TESTS.values(), FAILURE_TESTS, FUZZ]
+PROGRAMS = [*UNIT_TESTS.values(), FAILURE_TESTS, SIZE_TESTS, FUZZ]
 
 BUILD_SECONDS = 600
 MEMORY = 6 << 30  # bytes of address space; a changed size may ask for all there is
