@@ -47,8 +47,8 @@ struct Transition {
 
 /// Some pixels of a column.
 struct ColumnSum {
-    std::uint32_t count;
-    std::uint32_t sum;  ///< grey levels
+    std::uint64_t count;
+    std::uint64_t sum;  ///< grey levels
 };
 
 /// Marks a column in which no stripe starts.
@@ -122,7 +122,6 @@ struct KernelSet {
                                    Transition* transitions);
 
     /// Adds, for each column, its pixels above `level`.
-    /// @param height at most 2^24, so that a sum fits
     void (*sumAbove)(const unsigned char* image, int width, int height, unsigned char level, ColumnSum* sums);
 
     /// For each column of [firstColumn, endColumn), finds the first row of [firstRow, endRow) at which a stripe starts:
@@ -135,7 +134,6 @@ struct KernelSet {
 
     /// Sets the pixels below `threshold` to 0, and adds, for each column, the other pixels and their moments (row times
     /// grey value, converted to single precision, row by row).
-    /// @param height at most 2^24, so that every row and every product is exact before it is rounded once
     void (*cutAndSum)(unsigned char* image, int width, int height, int threshold, std::uint32_t* sums, float* moments);
 
     // ---- a part of an image, or an image to an image ----

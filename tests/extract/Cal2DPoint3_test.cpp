@@ -675,6 +675,13 @@ TEST(Cal2DPoint3, MaskEntriesOfColumnsWithoutAStripeKeepTheirValues) {
     EXPECT_EQ(mask.marked(), (Columns{0, 2, 3, 4, 6}));
 }
 
+TEST(Cal2DPoint3, SumOfAColumnGoesBeyond32Bits) {
+    // A mean of 255 is a threshold that nothing exceeds; modulo 2^32 the sum would be 254, and the mean 0.
+    constexpr int kBrightRows = 16843010;  // times 255 is 2^32 + 254
+    Image image(3, kBrightRows + 2, 255);
+    EXPECT_TRUE(notFound(extract(image, kNoCap), 1));
+}
+
 TEST(Cal2DPoint3, FrameIsOnlyRead) {
     Image image = imageOnBrightGround(8);
     image.drawLine(30, {59, 100, 200, 61});

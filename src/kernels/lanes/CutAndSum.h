@@ -35,7 +35,9 @@ inline void cutAndSumBlock(Byte* pixels, int width, int firstRow, int rows, cons
 }
 
 inline void cutAndSum(Byte* image, int width, int height, int threshold, std::uint32_t* sums, float* moments) {
-    if (width < kLane || threshold > 255) return plain::cutAndSum(image, width, height, threshold, sums, moments);
+    constexpr int kExactRows = 1 << 24;
+    if (width < kLane || height > kExactRows || threshold > 255)
+        return plain::cutAndSum(image, width, height, threshold, sums, moments);
     const int blocks = blocksOf(width);
     // A pixel of 0 counts for nothing, whatever the threshold.
     const Byte leastGrey = static_cast<Byte>(threshold < 1 ? 1 : threshold);
