@@ -18,6 +18,7 @@
 
 #include "algo/ImageView.h"
 #include "algo/Int32.h"
+#include "extract/VoteBounds.h"
 #include "kernels/kernels.h"
 
 namespace KORVANELASERALGO::extract {
@@ -89,12 +90,12 @@ struct Peak {
     std::int32_t votes;  // 0 once it is suppressed
 };
 
-// Votes angle by angle; a peak needs its own row of distances and those of the angles beside it, so only three are
-// kept.
+// The votes of three angles side by side: what a peak is compared with. A row is counted when it is asked for.
 class Accumulator {
 public:
-    Accumulator(const Voters& voters, int distances)
+    Accumulator(const Voters& voters, const std::vector<Direction>& directions, int distances)
         : voters_(voters),
+          directions_(directions),
           middle_((distances - 1) / 2),
           stride_(std::ptrdiff_t{distances} + 2),
           cells_(static_cast<std::size_t>(stride_) * (kSums + kernels::kVoteRows), 0) {
@@ -105,11 +106,53 @@ public:
         corners_ = {{{left, *top}, {left, *bottom}, {right, *top}, {right, *bottom}}};
     }
 
-    // Votes of the next angle. The steps of a distance never turn the order of two numbers round, so all distances lie
-    // between those of the corners around the points.
-    void next(const Direction& direction) {
-        begin();
-        Row& row = rows_[newest_];
+    // The peaks of an angle; angles are asked for in ascending order. Strict on one side, not on the other, so that of
+    // two equal neighbours one is the peak.
+    void appendPeaks(int angle, std::vector<Peak>& peaks) {
+        const Row& counted = rowOf(angle);
+        if (counted.largest < kLeastVotes) return;
+        const std::int32_t* before = cellsOf(rowOf(angle - 1));
+        const std::int32_t* row = cellsOf(counted);
+        const std::int32_t* after = cellsOf(rowOf(angle + 1));
+        for (int r = counted.first; r < counted.end; ++r) {
+            const std::int32_t votes = row[r];
+            if (votes >= kLeastVotes && votes > row[r - 1] && votes >= row[r + 1] && votes > before[r] &&
+                votes >= after[r])
+                peaks.push_back({angle, r, votes});
+        }
+    }
+
+private:
+    static constexpr std::size_t kSums = 3;  // rows of sums, before the rows that take the votes
+    static constexpr int kNoAngle = -2;
+
+    // Distances outside first .. end - 1 have no vote.
+    struct Row {
+        int angle = kNoAngle;
+        int first = 0;
+        int end = 0;
+        std::int32_t largest = 0;
+    };
+    struct Corner {
+        float x;
+        float y;
+    };
+
+    // The row of an angle, in place of that of an earlier angle. There is no vote beside the first and the
+    // last angle.
+    const Row& rowOf(int angle) {
+        Row& row = rows_[static_cast<std::size_t>(angle + 1) % kSums];
+        if (row.angle == angle) return row;
+        std::fill(cellsOf(row) + row.first, cellsOf(row) + row.end, 0);
+        row = {.angle = angle};
+        if (angle >= 0 && angle < static_cast<int>(directions_.size()))
+            count(directions_[static_cast<std::size_t>(angle)], row);
+        return row;
+    }
+
+    // The steps of a distance never turn the order of two numbers round, so all distances lie between those of the
+    // corners around the points.
+    void count(const Direction& direction, Row& row) {
         std::array<std::int32_t, 4> ends;
         for (std::size_t i = 0; i < ends.size(); ++i)
             ends[i] =
@@ -121,75 +164,32 @@ public:
         std::int32_t* votes = cellsOf(kSums);
         pass.castVotes(voters_.x.data(), voters_.y.data(), voters_.points.size(), direction.cosine, direction.sine,
                        votes + middle_, stride_);
-        row.largest = pass.sumVotes(votes + row.first, stride_, row.end - row.first, cellsOf(newest_) + row.first);
-    }
-
-    // An angle without votes, beyond the last.
-    void end() { begin(); }
-
-    // The peaks of the angle before the newest. Strict on one side, not on the other, so that of two equal neighbours
-    // one is the peak.
-    void appendPeaks(int angle, std::vector<Peak>& peaks) const {
-        const std::size_t at = (newest_ + 2) % kSums;
-        if (rows_[at].largest < kLeastVotes) return;
-        const std::int32_t* before = cellsOf((newest_ + 1) % kSums);
-        const std::int32_t* row = cellsOf(at);
-        const std::int32_t* after = cellsOf(newest_);
-        for (int r = rows_[at].first; r < rows_[at].end; ++r) {
-            const std::int32_t votes = row[r];
-            if (votes >= kLeastVotes && votes > row[r - 1] && votes >= row[r + 1] && votes > before[r] &&
-                votes >= after[r])
-                peaks.push_back({angle, r, votes});
-        }
-    }
-
-private:
-    static constexpr std::size_t kSums = 3;  // rows of sums, before the rows that take the votes
-
-    // Distances outside first .. end - 1 have no vote.
-    struct Row {
-        int first = 0;
-        int end = 0;
-        std::int32_t largest = 0;
-    };
-    struct Corner {
-        float x;
-        float y;
-    };
-
-    // Makes the oldest row of sums the newest, and empty.
-    void begin() {
-        newest_ = (newest_ + 1) % kSums;
-        std::fill(cellsOf(newest_) + rows_[newest_].first, cellsOf(newest_) + rows_[newest_].end, 0);
-        rows_[newest_] = {};
+        row.largest = pass.sumVotes(votes + row.first, stride_, row.end - row.first, cellsOf(row) + row.first);
     }
 
     // Distance index 0 of a row; one cell before it and one after the last are always 0.
     std::int32_t* cellsOf(std::size_t row) { return cells_.data() + static_cast<std::ptrdiff_t>(row) * stride_ + 1; }
-    const std::int32_t* cellsOf(std::size_t row) const {
-        return cells_.data() + static_cast<std::ptrdiff_t>(row) * stride_ + 1;
-    }
+    std::int32_t* cellsOf(const Row& row) { return cellsOf(static_cast<std::size_t>(&row - rows_.data())); }
 
     const Voters& voters_;
-    int middle_;  // index of distance 0
+    const std::vector<Direction>& directions_;  // in steps of the distance
+    int middle_;                                // index of distance 0
     std::ptrdiff_t stride_;
     std::vector<std::int32_t> cells_;
     std::array<Corner, 4> corners_;
     std::array<Row, kSums> rows_;
-    std::size_t newest_ = 0;
 };
 
 // In the order of angles, then distances.
-std::vector<Peak> findPeaks(const Voters& voters, const std::vector<Direction>& directions, float rhoStep,
-                            int distances) {
+std::vector<Peak> findPeaks(const Voters& voters, std::vector<Direction> directions, float rhoStep, int distances) {
+    for (Direction& direction : directions) direction = {direction.cosine / rhoStep, direction.sine / rhoStep};
     std::vector<Peak> peaks;
-    Accumulator votes(voters, distances);
+    VoteBounds bounds(voters.points, distances);
+    Accumulator votes(voters, directions, distances);
     for (std::size_t n = 0; n < directions.size(); ++n) {
-        votes.next({directions[n].cosine / rhoStep, directions[n].sine / rhoStep});
-        votes.appendPeaks(static_cast<int>(n) - 1, peaks);
+        if (bounds.mayReach(kLeastVotes, directions[n].cosine, directions[n].sine))
+            votes.appendPeaks(static_cast<int>(n), peaks);
     }
-    votes.end();
-    votes.appendPeaks(static_cast<int>(directions.size()) - 1, peaks);
     return peaks;
 }
 
