@@ -3,7 +3,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <thread>
 #include <vector>
 
@@ -29,16 +31,40 @@ struct BlobMask {
     int bandEndRow = 0;  // the band begins at row 0
 };
 
+// Calls `visit` with the first column and the end of each longest stretch of columns for which `belongs` holds.
+template <class Belongs, class Visit>
+void visitStretches(int firstColumn, int endColumn, Belongs belongs, Visit visit) {
+    for (int c = firstColumn; c < endColumn; ++c) {
+        if (!belongs(c)) continue;
+        const int first = c;
+        while (c < endColumn && belongs(c)) ++c;
+        visit(first, c);
+    }
+}
+
 // Per column, the number of rows above the blob's level from row 0 on; runs that are too short do not count.
 void measureTopRuns(const MutableImageView& image, std::vector<int>& topRuns) {
-    bool anyGrows = true;
-    for (int r = 0; r < image.height && anyGrows; ++r) {
-        const unsigned char* row = image.row(r);
-        anyGrows = false;
-        for (std::size_t c = 0; c < topRuns.size(); ++c) {
-            const bool grows = topRuns[c] == r && row[c] > kBlobLevel;
-            topRuns[c] += grows ? 1 : 0;
-            anyGrows |= grows;
+    const auto isBright = [](unsigned char grey) { return grey > kBlobLevel; };
+    if (image.height == 0) return;
+    std::ptrdiff_t growing = std::count_if(image.row(0), image.row(0) + image.width, isBright);
+    if (growing == 0) return;
+
+    // A column's first transition is the begin of its run, in row 0, and the second the end.
+    const std::vector<unsigned char> thresholds(topRuns.size(), kBlobLevel);
+    std::vector<std::uint64_t> state(static_cast<std::size_t>(kernels::blocksOf(image.width)), 0);
+    std::vector<kernels::Transition> transitions(topRuns.size() * kernels::kBandRows);
+    for (int r = 0; r < image.height && growing > 0; r += kernels::kBandRows) {
+        const int endRow = std::min(r + kernels::kBandRows, image.height);
+        const std::size_t count = kernels::active().findTransitions(
+            image.bytes, image.width, r, endRow, thresholds.data(), nullptr, state.data(), transitions.data());
+        for (const kernels::Transition& transition : std::span(transitions).first(count)) {
+            int& run = topRuns[static_cast<std::size_t>(transition.column)];
+            if (transition.row == 0) {
+                run = image.height;
+            } else if (run == image.height) {
+                run = transition.row;
+                --growing;
+            }
         }
     }
     for (int& run : topRuns) run = run < kShortestTopRun ? 0 : run;
@@ -46,12 +72,21 @@ void measureTopRuns(const MutableImageView& image, std::vector<int>& topRuns) {
 
 // Sets the blob's pixels to 0 in the caller's image: this is meant.
 void removeBlob(const MutableImageView& image, const std::vector<int>& topRuns) {
+    const auto runOf = [&](int c) { return topRuns[static_cast<std::size_t>(c)]; };
+    const auto clear = [&](int firstColumn, int endColumn, int firstRow, int endRow) {
+        for (int r = firstRow; r < endRow; ++r) std::fill(image.row(r) + firstColumn, image.row(r) + endColumn, 0);
+    };
     const int deepest = topRuns.empty() ? 0 : *std::max_element(topRuns.begin(), topRuns.end());
-    for (int r = 0; r < deepest; ++r) {
-        unsigned char* row = image.row(r);
-        for (std::size_t c = 0; c < topRuns.size(); ++c) {
-            if (r < topRuns[c]) row[c] = 0;
-        }
+    for (int r = 0; r < deepest; r += kernels::kBandRows) {
+        const int end = r + kernels::kBandRows;
+        visitStretches(
+            0, image.width, [&](int c) { return runOf(c) >= end; },
+            [&](int first, int last) { clear(first, last, r, end); });
+        visitStretches(
+            0, image.width, [&](int c) { return r < runOf(c) && runOf(c) < end; },
+            [&](int first, int last) {
+                for (int c = first; c < last; ++c) clear(c, c + 1, r, runOf(c));
+            });
     }
 }
 
@@ -104,18 +139,21 @@ void widenOutsideBand(const ImageView& src, const BlobMask& mask, int firstColum
     ranges.widen(src, firstColumn, endColumn, bandEndRow, endRow);
 }
 
-// The grey range of each column outside the mask: beside the blob by columns of one run length, and below it all
-// together.
+// The grey range of each column outside the mask: beside the blob band by band of rows, and below it all together.
 void findRanges(const ImageView& src, const BlobMask& mask, int firstColumn, int endColumn, GreyRanges& ranges) {
-    const std::vector<int>& runs = mask.topRuns;
+    const auto runOf = [&](int c) { return mask.topRuns[static_cast<std::size_t>(c)]; };
     int blobEndRow = 0;
-    for (int c = firstColumn; c < endColumn; ++c) blobEndRow = std::max(blobEndRow, runs[static_cast<std::size_t>(c)]);
-    int nextColumn = firstColumn;
-    while (blobEndRow > 0 && nextColumn < endColumn) {
-        const int column = nextColumn;
-        const int row = runs[static_cast<std::size_t>(column)];
-        while (nextColumn < endColumn && runs[static_cast<std::size_t>(nextColumn)] == row) ++nextColumn;
-        widenOutsideBand(src, mask, column, nextColumn, row, blobEndRow, ranges);
+    for (int c = firstColumn; c < endColumn; ++c) blobEndRow = std::max(blobEndRow, runOf(c));
+    for (int r = 0; r < blobEndRow; r += kernels::kBandRows) {
+        const int end = std::min(r + kernels::kBandRows, blobEndRow);
+        visitStretches(
+            firstColumn, endColumn, [&](int c) { return runOf(c) <= r; },
+            [&](int first, int last) { widenOutsideBand(src, mask, first, last, r, end, ranges); });
+        visitStretches(
+            firstColumn, endColumn, [&](int c) { return r < runOf(c) && runOf(c) < end; },
+            [&](int first, int last) {
+                for (int c = first; c < last; ++c) widenOutsideBand(src, mask, c, c + 1, runOf(c), end, ranges);
+            });
     }
     widenOutsideBand(src, mask, firstColumn, endColumn, blobEndRow, src.height, ranges);
 }
