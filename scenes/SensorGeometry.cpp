@@ -129,7 +129,7 @@ double sheetY(const Sensor& sensor) {
 
 Sensor standardSensor() {
     Sensor sensor{};
-    // A chip of 1440 x 1080 pixels, of which the middle is read out.
+    // The middle of the chip is read out.
     sensor.roi = {.OffsetX = 80, .OffsetY = 28, .Width = 1280, .Height = 1024};
 
     // 4800 pixels of focal length see 80 mm at 300 mm; the sheet crosses the optical axis there, at 30 degrees.

@@ -84,6 +84,10 @@ struct Shot {
     double travelOffset = 0.0;  ///< mm added to the travel
 };
 
+/// Size of the simulated chip in pixels; a ROI must not leave it.
+inline constexpr int kChipWidth = 1440;
+inline constexpr int kChipHeight = 1080;
+
 /// The sensor that all examples use: 1280 x 1024 pixels, about 80 mm wide, 30 degrees between light and view.
 Sensor standardSensor();
 /// The same camera with a light sheet that is bent, for `Cal3DPoint2`.

@@ -10,6 +10,7 @@
 #include <limits>
 #include <vector>
 
+#include "common/Measured.h"
 #include "host/Chain.h"
 #include "scenes/SimulatedSensor.h"
 
@@ -23,9 +24,9 @@ class Accuracy {
 public:
     void add(const Profile& profile, const std::vector<scenes::TruePoint>& truth) {
         for (std::size_t i = 0; i < profile.size(); ++i) {
-            if (isMeasured(profile[i]) && truth[i].visible)
+            if (examples::isMeasured(profile[i]) && truth[i].visible)
                 addError(profile[i].z - truth[i].point.z);
-            else if (isMeasured(profile[i]))
+            else if (examples::isMeasured(profile[i]))
                 ++withoutTruth_;
             else if (truth[i].visible)
                 ++missed_;

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <cstddef>
 #include <stdexcept>
 
@@ -11,12 +10,6 @@
 namespace host {
 
 using KORVANELASERALGO::tagKorvaneLaserPoint2d;
-using KORVANELASERALGO::tagKorvaneLaserPoint3d;
-
-bool isMeasured(const tagKorvaneLaserPoint3d& point) {
-    const bool isEmpty = point.x == 0.0 && point.y == 0.0 && point.z == 0.0;
-    return !isEmpty && std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
-}
 
 Chain::Chain(const Settings& settings)
     : settings_(settings),

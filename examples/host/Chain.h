@@ -17,9 +17,6 @@ namespace host {
 
 using Profile = std::vector<KORVANELASERALGO::tagKorvaneLaserPoint3d>;
 
-/// Whether a column of a profile holds a measurement: neither the empty point (0, 0, 0) nor bad numbers.
-bool isMeasured(const KORVANELASERALGO::tagKorvaneLaserPoint3d& point);
-
 /// What the chain makes of one frame. The profiles are empty where there is no calibration.
 struct ChainResult {
     std::vector<bool> found;                                       ///< per column: a stripe was found

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "common/AtomicFile.h"
+#include "common/Measured.h"
 #include "host/CloudPly.h"
 #include "host/ProfilesCsv.h"
 #if KORVANE_HOST_PICTURES
@@ -68,7 +69,7 @@ void Outputs::addFrame(int index, const SourceFrame& frame, const ChainResult& r
     if (state.settings.calibration) {
         const double travel = index * state.settings.chain.travelPerFrame - yOfLight(*state.settings.calibration);
         for (const auto& point : result.output)
-            if (isMeasured(point))
+            if (examples::isMeasured(point))
                 state.cloud.push_back(
                     {static_cast<float>(point.x), static_cast<float>(travel + point.y), static_cast<float>(point.z)});
     }

@@ -8,6 +8,7 @@
 #include <string>
 #include <utility>
 
+#include "common/Measured.h"
 #include "common/Plot.h"
 
 namespace host {
@@ -16,6 +17,7 @@ namespace {
 using examples::Axis;
 using examples::ColourImage;
 using examples::Curve;
+using examples::isMeasured;
 using examples::Panel;
 namespace colours = examples::colours;
 

@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <string>
 
+#include "common/Measured.h"
+
 namespace host {
 namespace {
 
@@ -25,7 +27,7 @@ ProfilesCsv::ProfilesCsv(const std::filesystem::path& path, bool hasCalibration)
 void ProfilesCsv::addFrame(int index, const ChainResult& result) {
     std::string text;
     for (std::size_t i = 0; i < result.found.size(); ++i) {
-        const bool valid = hasCalibration_ ? isMeasured(result.filtered[i]) : result.found[i];
+        const bool valid = hasCalibration_ ? examples::isMeasured(result.filtered[i]) : result.found[i];
         append(text, index);
         text += ',';
         append(text, i);

@@ -9,6 +9,7 @@
 #include <system_error>
 
 #include "common/Failure.h"
+#include "common/Measured.h"
 #include "host/Chain.h"
 #include "host/FrameSource.h"
 #include "host/Outputs.h"
@@ -20,9 +21,6 @@ namespace host {
 namespace {
 
 using examples::Failure;
-
-constexpr int kChipWidth = 1440;  // pixels of the simulated chip, which a ROI must not leave
-constexpr int kChipHeight = 1080;
 
 // Line selection where the settings have none. Simulated: brighter than a reflection of half the stripe's light, wider
 // than a speck. Recorded: nearly anything, for nobody knows how bright the stripe is. Of several, the brightest.
@@ -61,9 +59,9 @@ Stream simulatedStream(const Options& options) {
         settings.chain.cal3d == "Cal3DPoint2" ? scenes::curvedSheetSensor() : scenes::standardSensor();
     if (settings.roi) {
         const auto& roi = *settings.roi;
-        if (roi.OffsetX + roi.Width > kChipWidth || roi.OffsetY + roi.Height > kChipHeight)
+        if (roi.OffsetX + roi.Width > scenes::kChipWidth || roi.OffsetY + roi.Height > scenes::kChipHeight)
             throw Failure(whereSettingsAre(options) + ": ROI leaves the simulated chip of " +
-                          std::to_string(kChipWidth) + " x " + std::to_string(kChipHeight) + " pixels");
+                          std::to_string(scenes::kChipWidth) + " x " + std::to_string(scenes::kChipHeight) + " pixels");
         sensor = scenes::withRoi(sensor, roi.OffsetX, roi.OffsetY, roi.Width, roi.Height);
     }
     settings.roi = sensor.roi;
@@ -133,7 +131,7 @@ void addToReport(Report& report, const SourceFrame& frame, const ChainResult& re
     ++report.frames;
     report.columns += static_cast<long long>(result.found.size());
     report.withStripe += std::count(result.found.begin(), result.found.end(), true);
-    report.measured += std::count_if(result.filtered.begin(), result.filtered.end(), isMeasured);
+    report.measured += std::count_if(result.filtered.begin(), result.filtered.end(), examples::isMeasured);
     if (!frame.truth.empty()) {
         report.unfiltered.add(result.unfiltered, frame.truth);
         report.filtered.add(result.filtered, frame.truth);

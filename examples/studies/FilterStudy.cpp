@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "common/Measured.h"
 #include "common/Plot.h"
 #include "common/Png.h"
 #include "common/Program.h"
@@ -15,11 +16,11 @@
 namespace {
 
 using examples::Curve;
+using examples::isMeasured;
 using examples::Panel;
 using KORVANELASERALGO::KorvaneLaserAlgo;
 using studies::formatted;
 using studies::Instrument;
-using studies::isMeasured;
 using studies::Profile;
 namespace colours = examples::colours;
 

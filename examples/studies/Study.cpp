@@ -10,13 +10,14 @@
 #include <system_error>
 
 #include "common/Failure.h"
+#include "common/Measured.h"
 
 namespace studies {
 
 using examples::Failure;
+using examples::isMeasured;
 using KORVANELASERALGO::KorvaneLaserAlgo;
 using KORVANELASERALGO::tagKorvaneLaserPoint2d;
-using KORVANELASERALGO::tagKorvaneLaserPoint3d;
 
 namespace {
 
@@ -94,11 +95,6 @@ Profile Instrument::profile(const Stripe& stripe) {
     library_.undistortPoints2(points);
     library_.Cal3DPoint1(mask_.get(), points, profile);
     return profile;
-}
-
-bool isMeasured(const tagKorvaneLaserPoint3d& point) {
-    const bool isEmpty = point.x == 0.0 && point.y == 0.0 && point.z == 0.0;
-    return !isEmpty && std::isfinite(point.x) && std::isfinite(point.y) && std::isfinite(point.z);
 }
 
 ErrorSummary summarize(const std::vector<double>& errors) {

@@ -68,9 +68,6 @@ private:
     std::unique_ptr<bool[]> mask_;  // a plain array: std::vector<bool> has no bool*
 };
 
-/// Whether a column of a profile holds a measurement.
-bool isMeasured(const KORVANELASERALGO::tagKorvaneLaserPoint3d& point);
-
 /// A found row that is farther from the truth belongs to something else: a reflection, a speck.
 inline constexpr double kOnStripe = 3.0;  // rows
 

@@ -7,6 +7,8 @@
 #include "HandSensor.h"
 
 using scenes::curvedSheetSensor;
+using scenes::kChipHeight;
+using scenes::kChipWidth;
 using scenes::lineOfSight;
 using scenes::project;
 using scenes::Sensor;
@@ -17,9 +19,6 @@ using Point2d = KORVANELASERALGO::tagKorvaneLaserPoint2d;
 using Point3d = KORVANELASERALGO::tagKorvaneLaserPoint3d;
 
 namespace {
-
-constexpr int kChipWidth = 1440;  // pixels
-constexpr int kChipHeight = 1080;
 
 Point3d toCameraFrame(const Sensor& sensor, const Point3d& p) {
     const double* m = sensor.calibration.RT;
