@@ -15,6 +15,7 @@ ALLOWED = {
     "src/kernels": ["kernels/"],
     **{f"src/{room}": [PUBLIC, *LEAVES, "kernels/", f"{room}/"] for room in ROOMS},
     "scenes": [PUBLIC, "scenes/"],
+    "examples/loops": [PUBLIC, "scenes/"],
     "examples": [PUBLIC, "scenes/", "common/", "host/", "calibration/", "studies/"],
     "tests/reference": [PUBLIC, "reference/"],
     "bench": [PUBLIC, "bench/", "scenes/", "kernels/kernels.h", "reference.h"],
