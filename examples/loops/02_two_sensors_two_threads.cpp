@@ -19,7 +19,6 @@ namespace {
 
 constexpr int kFrames = 5;
 
-// [stream]
 /// Everything that one stream needs. No object of the library, no buffer is shared between two of them.
 struct Stream {
     scenes::Sensor sensor;
@@ -57,6 +56,7 @@ void measure(Stream& stream) {
     stream.height = sum / count;
 }
 
+// [thread]
 /// What a thread runs: an exception that leaves a thread ends the process, so it is kept for later.
 void run(Stream& stream) {
     try {
@@ -65,7 +65,7 @@ void run(Stream& stream) {
         stream.failure = std::current_exception();
     }
 }
-// [/stream]
+// [/thread]
 
 }  // namespace
 

@@ -43,9 +43,9 @@ tagKorvaneLaserPoint3d measurePlate(KorvaneLaserAlgo& algo, const scenes::Sensor
 // [plane]
 /// CalRT ends the process for a plane whose normal is the y axis already, and divides by c2: look before the call.
 void checkPlane(const double* plane) {
-    constexpr double kSteepest = 1e6;  // a light plane this steep has no depth to measure; CalRT gives up near 1e8
+    constexpr double kSteepest = 1e6;  // far beyond every real sensor, and far below where CalRT ends the process
     const bool finite = std::isfinite(plane[0]) && std::isfinite(plane[1]) && std::isfinite(plane[2]);
-    if (!finite || plane[2] == 0.0 || std::fabs(plane[2]) > kSteepest)
+    if (!finite || plane[2] == 0.0 || std::fabs(plane[1]) > kSteepest || std::fabs(plane[2]) > kSteepest)
         throw std::invalid_argument("not a light plane that CalRT can align");
 }
 // [/plane]

@@ -16,6 +16,7 @@ ALLOWED = {
     **{f"src/{room}": [PUBLIC, *LEAVES, "kernels/", f"{room}/"] for room in ROOMS},
     "scenes": [PUBLIC, "scenes/"],
     "examples/loops": [PUBLIC, "scenes/"],
+    "examples/pages": [PUBLIC, "scenes/", "pages/"],
     "examples": [PUBLIC, "scenes/", "common/", "host/", "calibration/", "studies/"],
     "tests/reference": [PUBLIC, "reference/"],
     "bench": [PUBLIC, "bench/", "scenes/", "kernels/kernels.h", "reference.h"],

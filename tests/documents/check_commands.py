@@ -1,0 +1,66 @@
+#!/usr/bin/env python3
+"""Runs the shell commands of README.md and docs/calibration.md that are quick: check_commands.py ROOT PROGRAM ...
+
+commands.txt beside this file sorts them all: under the line `run:` those that are run, in its order, in one empty folder;
+under other lines those that are not, and why. A fault is a command that fails, or stands in one place but not in the
+other.
+"""
+
+import pathlib
+import re
+import shlex
+import subprocess
+import sys
+import tempfile
+
+ROOT = pathlib.Path(sys.argv[1])
+PROGRAMS = {pathlib.Path(program).stem: program for program in sys.argv[2:]}
+PAGES = [ROOT / "README.md", ROOT / "docs" / "calibration.md"]
+
+BLOCK = re.compile(r"^```(?:sh|bash)?\n(.*?)^```$", re.MULTILINE | re.DOTALL)
+QUOTED = re.compile(r"`([^`\n]+)`")
+COMMAND = re.compile(r"(scripts/|build/|\.ci/|korvane-)\S+")
+
+
+def commands_of(page):
+    """Lines of blocks without a language, and quoted text, that begin like a command of this project."""
+    text = page.read_text(encoding="utf-8")
+    lines = [line for block in BLOCK.findall(text) for line in block.splitlines()]
+    quoted = [candidate for candidate in QUOTED.findall(BLOCK.sub("", text)) if "/" in candidate]  # no bare names
+    for candidate in [*lines, *quoted]:
+        command = candidate.split("  #")[0].strip()
+        if COMMAND.match(command) and not command.endswith("/"):
+            yield command
+
+
+def sorted_commands():
+    sections = {}
+    for line in (pathlib.Path(__file__).parent / "commands.txt").read_text(encoding="utf-8").splitlines():
+        if line.endswith(":"):
+            section = sections.setdefault(line[:-1], [])
+        elif line and not line.startswith("#"):
+            section.append(line)
+    return sections
+
+
+def main():
+    sections = sorted_commands()
+    known = {command for section in sections.values() for command in section}
+    written = {command for page in PAGES for command in commands_of(page)}
+    faults = [f"commands.txt does not sort: {command}" for command in sorted(written - known)]
+    faults += [f"no page has: {command}" for command in sorted(known - written)]
+
+    with tempfile.TemporaryDirectory() as folder:
+        for command in sections["run"]:
+            program, *arguments = shlex.split(command)
+            run = subprocess.run([PROGRAMS[pathlib.Path(program).name], *arguments], cwd=folder, stdout=subprocess.DEVNULL, check=False)
+            if run.returncode != 0:
+                faults.append(f"exit status {run.returncode}: {command}")
+
+    print("\n".join(faults))
+    print(f"{len(sections['run'])} commands run, {len(known) - len(sections['run'])} not, {len(faults)} faults")
+    return 1 if faults else 0
+
+
+if __name__ == "__main__":
+    sys.exit(main())
