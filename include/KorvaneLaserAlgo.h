@@ -291,9 +291,9 @@ public:
     /// formula), laid out as the `RT` field of the calibration. Every point of the plane then has the one
     /// y = c0 / c2 - c0 / s, with s = sqrt(c1^2 + c2^2 + 1) and the sign of c2.
     ///
-    /// **A plane with |c2| beyond about 1e8 can end the process** with exit status 0 and a line on the standard error
-    /// stream, because its normal is the y axis already; check the plane before the call. c2 = 0 yields an infinite
-    /// or not-a-number translation.
+    /// **A plane with |c2| beyond about 1e8, or with a c1 or c2 whose square is infinite, can end the process** with
+    /// exit status 0 and a line on the standard error stream, because no axis is left to turn about; check the plane
+    /// before the call. c2 = 0 yields an infinite or not-a-number translation.
     /// @param plane three doubles c0, c1, c2 of the plane Z = c0 + c1 X + c2 Y, read only
     /// @param rt twelve doubles, written: the rotation row by row, then the translation (0, c0 / c2, 0)
     /// @throws std::bad_alloc where memory ends
