@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <stdexcept>
 #include <vector>
 
@@ -30,6 +31,18 @@ void extraction() {
     Sized(8, 60)->Cal2DPoint1(mask.get(), low.data(), points, 0);
     claim(!mask[3]);
     // [/edges]
+}
+
+void limits() {
+    // [limits]
+    Frame frame(8, 60);
+    frame.line(19, 60).line(20, 200).line(21, 60);
+    auto mask = clearMask(8);
+    Points2d points;
+    Sized(8, 60)->Cal2DPoint1(mask.get(), frame.data(), points, 0);
+    claim(points[1].y == 20.0 + 60.0 / 260.0);  // 60 starts no stripe, but belongs to it: rows 20 and 21
+    claim(points[2].y == 20.0);                 // followed, the stripe is averaged upwards too: rows 19 to 21
+    // [/limits]
 }
 
 void lostTracking() {
@@ -103,6 +116,38 @@ void longRun() {
     claim(mask[0] && !mask[2]);
     claim(points[0].y == 11.5);  // the mean of three rows to each side of the first maximum, row 10, as far as bright
     // [/long-run]
+}
+
+void onlyCandidate() {
+    // [only-candidate]
+    tagKorvaneLaserAlgoLineSelectInfo select{60, 255, 1, 40, 1};
+    Frame frame(8, 60);
+    frame.line(10, 200).line(10, 0, 4, 4).line(50, 100, 4, 4);  // a gap in column 4, and a reflection
+    auto mask = clearMask(8);
+    Points2d points;
+    Sized algo(8, 60);
+    algo->SetLineSelectInfo(&select);
+    algo->Cal2DPoint1_1(mask.get(), frame.data(), points);
+    claim(points[3].y == 10.0 && points[4].y == 50.0 && points[5].y == 10.0);
+    // [/only-candidate]
+}
+
+void longSingleRun() {
+    // [long-single-run]
+    tagKorvaneLaserAlgoLineSelectInfo select{30, 255, 2, 40, 1};
+    Frame frame(8, 80);
+    for (int r = 20; r <= 24; ++r) frame.line(r, 40, 0, 0);  // a narrow stripe in column 0,
+    for (int r = 10; r <= 34; ++r) frame.line(r, 40, 1, 7);  // a broad one without a hump in the others
+    auto mask = clearMask(8);
+    Points2d points;
+    Sized algo(8, 80);
+    algo->SetLineSelectInfo(&select);
+    algo->Cal2DPoint2_1(mask.get(), frame.data(), points);
+    claim(mask[0] && !mask[1]);  // alone in its column, it is not taken;
+    for (int r = 60; r <= 63; ++r) frame.line(r, 100, 1, 7);
+    algo->Cal2DPoint2_1(mask.get(), frame.data(), points);
+    claim(mask[1] && points[1].y == 22.0);  // beside another run, it is
+    // [/long-single-run]
 }
 
 void selectMode() {
@@ -260,6 +305,21 @@ void outlierFilters() {
     algo.Outlierdetect1(profile, 5, 0.3F);
     claim(isEmpty(profile[0]) && !isEmpty(profile[1]) && !isEmpty(profile[19]));
     // [/first-point]
+
+    // [slope]
+    for (int i = 0; i < 20; ++i) profile[static_cast<std::size_t>(i)] = {1.0 + i, 0.0, 100.0 + 10.0 * i};
+    algo.Outlierdetect1(profile, 5, 0.3F);
+    claim(isEmpty(profile[2]) && !isEmpty(profile[3]) && !isEmpty(profile[18]) && isEmpty(profile[19]));
+    // [/slope]
+
+    // [nan]
+    profile = level(20, 100.0);
+    profile[10].z = std::numeric_limits<double>::quiet_NaN();
+    algo.Gaussianfilter(profile, 1);
+    claim(std::isnan(profile[10].z) && isNear(profile[9].z, 100.0, 1e-12));  // it stays, and its neighbours keep clear
+    algo.Outlierdetect1(profile, 5, 0.3F);
+    claim(isEmpty(profile[10]));  // nothing agrees with it
+    // [/nan]
 
     // [run-starts]
     profile = level(10, 100.0);
@@ -465,11 +525,14 @@ void exposures() {
 
 int main() {
     extraction();
+    limits();
     lostTracking();
     fading();
     widths();
     rowZero();
     longRun();
+    onlyCandidate();
+    longSingleRun();
     selectMode();
     cap();
     roiPixels();
