@@ -250,7 +250,9 @@ TEST(CalRTDeathTest, PlaneWhoseAngleRoundsToZeroEndsTheProcess) {
 TEST(CalRTDeathTest, PlaneWithoutAnAxisEndsTheProcess) {
     EXPECT_EXIT(transformInAProcessOfItsOwn(0, 1e21), testing::ExitedWithCode(0), kDivideMessage);
     EXPECT_EXIT(transformInAProcessOfItsOwn(0, -1e21), testing::ExitedWithCode(0), kDivideMessage);
-    EXPECT_EXIT(transformInAProcessOfItsOwn(0, 1e200), testing::ExitedWithCode(0), kDivideMessage);  // s is infinite
+    // s is infinite.
+    EXPECT_EXIT(transformInAProcessOfItsOwn(0, 1e200), testing::ExitedWithCode(0), kDivideMessage);
+    EXPECT_EXIT(transformInAProcessOfItsOwn(1e200, 1), testing::ExitedWithCode(0), kDivideMessage);
 }
 
 TEST(CalRT, SmallestAngleThatDoesNotRoundToZeroProceeds) {
