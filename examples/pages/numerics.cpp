@@ -300,8 +300,15 @@ void polynomials() {
 
 void outlierFilters() {
     KorvaneLaserAlgo algo;
+    // [x-zero]
+    Profile profile = level(7, 100.0, -3.0);
+    profile[3].z = 140.0;  // measured at x = 0.0 exactly
+    algo.medianfilter1(profile, 1);
+    claim(profile[3].z == 140.0);  // the filters take it for empty
+    // [/x-zero]
+
     // [first-point]
-    Profile profile = level(20, 100.0);
+    profile = level(20, 100.0);
     algo.Outlierdetect1(profile, 5, 0.3F);
     claim(isEmpty(profile[0]) && !isEmpty(profile[1]) && !isEmpty(profile[19]));
     // [/first-point]
@@ -339,13 +346,6 @@ void outlierFilters() {
     algo.Outlierdetect2(profile, 2, 5.0F);
     claim(!isEmpty(profile[0]));  // none cleared, not one
     // [/first-run]
-
-    // [x-zero]
-    profile = level(7, 100.0, -3.0);
-    profile[3].z = 140.0;  // measured at x = 0.0 exactly
-    algo.medianfilter1(profile, 1);
-    claim(profile[3].z == 140.0);  // the filters take it for empty
-    // [/x-zero]
 }
 
 void medians() {
