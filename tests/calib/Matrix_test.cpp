@@ -108,6 +108,17 @@ TEST(Matrix, MovedMatrixIsEmptyAfterwards) {
     EXPECT_EQ(source.cols, 0);
 }
 
+TEST(Matrix, MovedLargeMatrixHandsItsBlockOver) {
+    Matrix source = matrixOf({{1, 2, 3, 4, 5}});
+    double** const block = source.data;
+    const Matrix target(std::move(source));
+    EXPECT_EQ(target.data, block);
+    EXPECT_EQ(rowsOf(target), (Rows{{1, 2, 3, 4, 5}}));
+    EXPECT_EQ(source.data, nullptr);
+    EXPECT_EQ(source.rows, 0);
+    EXPECT_EQ(source.cols, 0);
+}
+
 // ---- Copy assignment
 
 TEST(Matrix, AssignmentToItselfChangesNothing) {

@@ -35,7 +35,7 @@ EXPLAINED = ROOT / "tests/mutation/equivalent.txt"
 COPIED = ("CMakeLists.txt", "cmake", "include", "src", "scenes", "tests")
 
 # Room -> its test programs, in the order in which they run. A fuzz room stands for random cases of it.
-UNIT_TESTS = {room: f"tests/{room}/{room}_tests" for room in ("algo", "calib", "profile", "extract", "image")}
+UNIT_TESTS = {room: f"tests/{room}/{room}_tests" for room in ("algo", "kernels", "calib", "profile", "extract", "image")}
 FAILURE_TESTS = "tests/faults/failure_tests"
 SIZE_TESTS = "tests/faults/size_tests"
 FUZZ = "tests/fuzz/fuzz_cases"
@@ -48,7 +48,7 @@ TESTS_OF_ROOM = {
     "image": [UNIT_TESTS["image"], FAILURE_TESTS, "image"],
     # The same tests for every set of kernels.
     "kernels": [f"{UNIT_TESTS[room]} --kernels={name}" for name in ("AVX512", "plain", "SSE2", "AVX2")
-                for room in ("extract", "image", "profile", "calib")] + [*FUZZ_CASES, SIZE_TESTS],
+                for room in ("kernels", "extract", "image", "profile", "calib")] + [*FUZZ_CASES, SIZE_TESTS],
     "algo": [*UNIT_TESTS.values(), *FUZZ_CASES],
 }
 PROGRAMS = [*UNIT_TESTS.values(), FAILURE_TESTS, SIZE_TESTS, FUZZ]

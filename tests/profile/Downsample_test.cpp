@@ -356,6 +356,14 @@ TEST(Downsample, TinyNegativeStepOnAProfileTowardsSmallerXKeepsEveryPoint) {
     expectThinned(in, -1e-8F, in);
 }
 
+TEST(Downsample, TinyNegativeStepDropsPointsOutsideTheBucketsOfFirstAndLast) {
+    // Buckets -2e9 to -1e9; 5 has -5e8 and 21.4 has -2.14e9.
+    Profile in = profileAt({20, 19, 18, 5, 17, 16, 21.4, 15, 14, 13, 12, 11, 10});
+    Profile kept = in;
+    std::erase_if(kept, [](const auto& point) { return point.x == 5.0 || point.x == 21.4; });
+    expectThinned(in, -1e-8F, kept);
+}
+
 TEST(Downsample, BucketNumbersMayDifferByMoreThanAnInt) {
     // From -2.1e9 to 2.1e9.
     const Profile in = profileAt({21, 17, 13, 9, 5, 1, -3, -7, -11, -15, -21});
