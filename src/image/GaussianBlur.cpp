@@ -17,7 +17,7 @@
 namespace KORVANELASERALGO::image {
 namespace {
 
-constexpr int kStripRows = 32;  // filtered together, so that the vertical pass finds them in the cache
+constexpr int kStripRows = 64;  // filtered together, so that the vertical pass finds them in the cache
 
 // Weights farther out than this are 0 in double precision, and add nothing to any sum.
 constexpr int kLargestRadius = kernels::kLargestBlurRadius;  // pixels

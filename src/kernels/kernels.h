@@ -164,7 +164,8 @@ struct KernelSet {
     /// Blurs each row from left to right: a pixel becomes the truncated sum of the weighted pixels within `radius`,
     /// added from left to right, those to the left being blurred already. Beyond its ends, a row repeats its first and
     /// last pixel as they were.
-    /// @param weights radius + 1, from the pixel itself outwards to both sides; none is negative, and in all they are 1
+    /// @param weights radius + 1, from the pixel itself outwards to both sides: those of a Gaussian of sigma 1 pixel;
+    /// in all they are 1
     /// @param radius 1 .. kLargestBlurRadius
     void (*blurRows)(const unsigned char* image, int width, int rows, const double* weights, int radius,
                      unsigned char* out);

@@ -1,9 +1,11 @@
+#include <algorithm>
 #include <climits>
 #include <cmath>
 #include <utility>
 #include <vector>
 
 #include "KorvaneLaserAlgo.h"
+#include "kernels/kernels.h"
 #include "support/Support.h"
 
 using namespace support;
@@ -105,6 +107,39 @@ Image expectedBlur(Image& src, int ksize) {
     }
     return dst;
 }
+
+/// Five pixels above one another, for each column of an image. Above and below are rows without ties, because kernels
+/// give up integers where ties are many.
+class Columns {
+public:
+    void add(int a0, int a1, int a2, int a3, int a4) {
+        for (std::size_t row = 0; row < kRows; ++row) rows_[row].push_back(row % 2 == 0 ? 10 : 200);
+        for (const int grey : {a0, a1, a2, a3, a4})
+            rows_[row_++ % 5 + kRowsAbove].back() = static_cast<unsigned char>(grey);
+    }
+
+    /// Expects the truncated sums of all columns, added from top to bottom in double precision.
+    void expectSums(const Weights& weights) const {
+        const std::size_t width = rows_[0].size();
+        Bytes image;
+        for (const Bytes& row : rows_) image.insert(image.end(), row.begin(), row.end());
+        Bytes sums((kRows - 4) * width);
+        KORVANELASERALGO::kernels::active().blurColumns(image.data(), static_cast<int>(width), kRows - 4,
+                                                        weights.data() + 2, 2, sums.data());
+        for (std::size_t x = 0; x < width; ++x) {
+            double sum = 0.0;
+            for (std::size_t k = 0; k < 5; ++k) sum += rows_[kRowsAbove + k][x] * weights[k];
+            ASSERT_EQ(sums[kRowsAbove * width + x], static_cast<int>(sum))
+                << "middle " << int{rows_[kRowsAbove + 2][x]} << ", column " << x;
+        }
+    }
+
+private:
+    static constexpr std::size_t kRowsAbove = 12;
+    static constexpr std::size_t kRows = kRowsAbove + 5 + 12;
+    Bytes rows_[kRows];
+    std::size_t row_ = 0;
+};
 
 }  // namespace
 
@@ -304,6 +339,76 @@ TEST(GaussianBlur, VerticalTapsAreSummedUpFromTheTop) {
         }
     }
     EXPECT_GT(told, 0);
+}
+
+TEST(GaussianBlur, FiveTapsThatDoNotTieSumUpFarFromEveryInteger) {
+    // What the kernels' integers rest on. The sum is a2 + w1 q + w2 p with q = a1 + a3 - 2 a2 and p = a0 + a4 - 2 a2.
+    const Weights weights = weightsOf(5);
+    double nearest = 1.0;
+    for (int q = -510; q <= 510; ++q) {
+        for (int p = std::max(-510, q - 510); p <= std::min(510, q + 510); ++p) {
+            if (q == 0 && p == 0) continue;
+            const double sum = weights[1] * q + weights[0] * p;
+            nearest = std::min(nearest, std::abs(sum - std::round(sum)));
+        }
+    }
+    EXPECT_GT(nearest, 6.4e-7);
+}
+
+TEST(GaussianBlur, EverySumOfFiveTapsIsTruncatedAsInDoublePrecision) {
+    // Of the pixels that yield a pair q, p, some: only these two and the middle pixel matter where they do not tie.
+    const Weights weights = weightsOf(5);
+    for (int q = -510; q <= 510; ++q) {
+        Columns columns;
+        for (int p = std::max(-510, q - 510); p <= std::min(510, q + 510); ++p) {
+            const int least = std::max({0, (1 - q) / 2, (1 - p) / 2});
+            const int most = std::min({255, (510 - q) / 2, (510 - p) / 2});
+            for (const int middle : {least, most}) {
+                const int inner = q + 2 * middle;
+                const int outer = p + 2 * middle;
+                columns.add(std::min(outer, 255), inner / 2, middle, inner - inner / 2, outer - std::min(outer, 255));
+            }
+        }
+        columns.expectSums(weights);
+        if (HasFatalFailure()) return;
+    }
+}
+
+TEST(GaussianBlur, EveryTieOfFiveTapsIsTruncatedAsInDoublePrecision) {
+    const Weights weights = weightsOf(5);
+    for (int middle = 0; middle < 256; ++middle) {
+        Columns columns;
+        for (int top = std::max(0, 2 * middle - 255); top <= std::min(255, 2 * middle); ++top) {
+            for (int upper = std::max(0, 2 * middle - 255); upper <= std::min(255, 2 * middle); ++upper)
+                columns.add(top, upper, middle, 2 * middle - upper, 2 * middle - top);
+        }
+        columns.expectSums(weights);
+        if (HasFatalFailure()) return;
+    }
+}
+
+TEST(GaussianBlur, ImagesWithManyTiesFollowBothPasses) {
+    const int width = 200;
+    const int height = 70;
+    const auto expectBlurred = [](Image& src, const char* name) {
+        EXPECT_EQ(blur(src, 5).pixels(), expectedBlur(src, 5).pixels()) << name;
+    };
+    for (int amplitude : {0, 1, 2, 7, 30}) {
+        Image noise = textureOf(width, height);
+        Image ramp(width, height);
+        Image stripes(width, height);
+        for (int y = 0; y < height; ++y) {
+            for (int x = 0; x < width; ++x) {
+                const int random = noise.at(y, x) % (amplitude + 1);
+                noise.at(y, x) = static_cast<unsigned char>(x / 64 * 50 + random);
+                ramp.at(y, x) = static_cast<unsigned char>(x + amplitude * y / 8);
+                stripes.at(y, x) = static_cast<unsigned char>(y % 16 < 8 ? 20 + x / 40 : amplitude);
+            }
+        }
+        expectBlurred(noise, "noise");
+        expectBlurred(ramp, "ramp");
+        expectBlurred(stripes, "stripes");
+    }
 }
 
 TEST(GaussianBlur, WidthsAroundVectorLengthsFollowBothPasses) {
