@@ -187,7 +187,7 @@ namespace {
 void thresholdWithFailingAllocation(int n) {
     support::expectProcessEnd();
     std::set_terminate([] {
-        std::fputs("terminated", stderr);
+        std::fputs("terminated\n", stderr);
         std::abort();
     });
     KorvaneLaserAlgo algo;
@@ -211,5 +211,5 @@ TEST(EndOfMemoryDeathTest, AfterTheFirstThreadOfOtsu3HasStartedEndsTheProcessThr
     KorvaneLaserAlgo algo;
     configure(algo);
     const int untilFirstThread = countFailures(callNamed("Otsu3"), algo);
-    EXPECT_DEATH(thresholdWithFailingAllocation(untilFirstThread + 1), "^terminated$");
+    EXPECT_DEATH(thresholdWithFailingAllocation(untilFirstThread + 1), "^terminated\n");
 }

@@ -9,8 +9,8 @@ namespace {
 
 constexpr std::uint64_t kSeed = 20240229;
 
-// Debug and sanitizer builds are many times slower.
-#if defined(NDEBUG)
+// Debug and sanitizer builds and emulated processors are many times slower.
+#if defined(NDEBUG) && !defined(KORVANE_EMULATED_PROCESSOR)
 constexpr int kShare = 1;
 #else
 constexpr int kShare = 8;

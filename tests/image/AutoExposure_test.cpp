@@ -151,16 +151,16 @@ TEST_F(AutoExposure, DisabledCallLeavesTheProposalAlone) {
 
 // The exposure that a process starts with
 
-TEST(AutoExposureInAFreshProcess, PreviousExposureStartsAt1) {
+TEST(AutoExposureInAFreshProcessDeathTest, PreviousExposureStartsAt1) {
     EXPECT_EXIT(askAndExit(1.0), testing::ExitedWithCode(kProposed), "");
 }
 
-TEST(AutoExposureInAFreshProcess, ExposuresNear1AreNoChange) {
+TEST(AutoExposureInAFreshProcessDeathTest, ExposuresNear1AreNoChange) {
     EXPECT_EXIT(askAndExit(1.009), testing::ExitedWithCode(kProposed), "");
     EXPECT_EXIT(askAndExit(0.991), testing::ExitedWithCode(kProposed), "");
 }
 
-TEST(AutoExposureInAFreshProcess, ExposuresOtherThan1AreAChange) {
+TEST(AutoExposureInAFreshProcessDeathTest, ExposuresOtherThan1AreAChange) {
     EXPECT_EXIT(askAndExit(1.011), testing::ExitedWithCode(kNoProposal), "");
     EXPECT_EXIT(askAndExit(0.989), testing::ExitedWithCode(kNoProposal), "");
     EXPECT_EXIT(askAndExit(0.0), testing::ExitedWithCode(kNoProposal), "");

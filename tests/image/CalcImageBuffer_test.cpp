@@ -85,7 +85,7 @@ TEST_F(CalcImageBuffer, FirstEnabledCallCopiesTheFrame) {
     EXPECT_EQ(stabilised(frame).pixels(), frame.pixels());
 }
 
-TEST(CalcImageBufferInAFreshProcess, FirstCallOfAllCopiesTheFrame) {
+TEST(CalcImageBufferInAFreshProcessDeathTest, FirstCallOfAllCopiesTheFrame) {
     constexpr int kCopied = 3;  // exit status
     constexpr int kOther = 4;
     const auto callAndExit = [] {

@@ -31,8 +31,13 @@ int main(int argc, char** argv) {
                 return kUsage;
         }
     }
+#if defined(KORVANE_EMULATED_PROCESSOR)
+    // A death test runs in a copy of this process, before all other tests.
+    testing::GTEST_FLAG(death_test_style) = "fast";
+#else
     // A death test runs in a process of its own, so the threads of other tests do not matter to it.
     testing::GTEST_FLAG(death_test_style) = "threadsafe";
+#endif
     support::guardAgainstProcessEnd();
     const int result = RUN_ALL_TESTS();
     support::expectProcessEnd();
