@@ -21,6 +21,7 @@ constexpr int kStripRows = 64;  // filtered together, so that the vertical pass 
 
 // Weights farther out than this are 0 in double precision, and add nothing to any sum.
 constexpr int kLargestRadius = kernels::kLargestBlurRadius;  // pixels
+static_assert(kLargestRadius < kStripRows);                  // every strip completes a row
 
 // From the centre outwards; both sides together have the sum 1.
 std::vector<double> gaussianWeights(int radius) {
@@ -55,7 +56,6 @@ void blur(const ImageView& source, const MutableImageView& destination, int radi
         if (r + rows == source.height) append(source.height - 1);
 
         const int complete = filled - 2 * radius;
-        if (complete <= 0) continue;
         kernels::active().blurColumns(window.bytes, source.width, complete, weights.data(), radius,
                                       destination.row(nextRow));
         nextRow += complete;
