@@ -19,6 +19,7 @@ ALLOWED = {
     "examples/pages": [PUBLIC, "scenes/", "pages/"],
     "examples": [PUBLIC, "scenes/", "common/", "host/", "calibration/", "studies/"],
     "tests/reference": [PUBLIC, "reference/"],
+    "tests/consumer": [PUBLIC],
     "bench": [PUBLIC, "bench/", "scenes/", "kernels/kernels.h", "reference.h"],
 }
 # The leaves include the public header only; the roof includes the four room headers.
@@ -46,8 +47,8 @@ def allowed_for(path):
 def main():
     checked = 0
     faults = []
-    for path in sorted(p for top in ("include", "src", "scenes", "examples", "tests/reference", "bench")
-                       for p in (ROOT / top).rglob("*") if p.suffix in (".h", ".cpp")):
+    tops = ("include", "src", "scenes", "examples", "tests/reference", "tests/consumer", "bench")
+    for path in sorted(p for top in tops for p in (ROOT / top).rglob("*") if p.suffix in (".h", ".cpp")):
         prefixes = allowed_for(path)
         name = path.relative_to(ROOT).as_posix()
         if prefixes is None:
