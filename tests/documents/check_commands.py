@@ -17,7 +17,7 @@ ROOT = pathlib.Path(sys.argv[1])
 PROGRAMS = {pathlib.Path(program).stem: program for program in sys.argv[2:]}
 PAGES = [ROOT / "README.md", ROOT / "docs" / "calibration.md"]
 
-BLOCK = re.compile(r"^```(?:sh|bash)?\n(.*?)^```$", re.MULTILINE | re.DOTALL)
+BLOCK = re.compile(r"^```(?P<language>\w*)\n(?P<lines>.*?)^```$", re.MULTILINE | re.DOTALL)
 QUOTED = re.compile(r"`([^`\n]+)`")
 COMMAND = re.compile(r"(scripts/|build/|\.ci/|korvane-)\S+")
 
@@ -25,7 +25,8 @@ COMMAND = re.compile(r"(scripts/|build/|\.ci/|korvane-)\S+")
 def commands_of(page):
     """Lines of blocks without a language, and quoted text, that begin like a command of this project."""
     text = page.read_text(encoding="utf-8")
-    lines = [line for block in BLOCK.findall(text) for line in block.splitlines()]
+    lines = [line for block in BLOCK.finditer(text) if block["language"] in ("", "sh", "bash")
+             for line in block["lines"].splitlines()]
     quoted = [candidate for candidate in QUOTED.findall(BLOCK.sub("", text)) if "/" in candidate]  # no bare names
     for candidate in [*lines, *quoted]:
         command = candidate.split("  #")[0].strip()

@@ -26,4 +26,4 @@ for line in listing.splitlines():
 
 print("\n".join(sorted(faults)))
 print(f"{hidden} hidden names, {len(faults)} faults")
-sys.exit(1 if faults or hidden < 100 else 0)
+sys.exit(1 if faults or hidden < 30 else 0)
