@@ -263,7 +263,7 @@ TEST_F(Calibration, OutputThatCannotBeWrittenIsNamed) {
     host_tests::writeText(file("taken"), "a file, not a folder");
     expectRefused("--views 2 --output taken", {"taken"});
     expectRefused("--views 2 --output taken/inner", {"taken/inner"});
-    expectRefused("--views 2 --output ''", {"output"});
+    expectRefused("--views 2 --output \"\"", {"output"});
 }
 
 #if KORVANE_HOST_PICTURES && !defined(_WIN32)

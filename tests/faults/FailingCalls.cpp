@@ -1,7 +1,12 @@
 #include "faults/FailingCalls.h"
 
-#include <dlfcn.h>
 #include <pthread.h>
+
+#if defined(_WIN32)
+#include <malloc.h>
+#else
+#include <dlfcn.h>
+#endif
 
 #include <algorithm>
 #include <cerrno>
@@ -16,10 +21,29 @@ constinit std::atomic<long> liveAllocations = 0;
 
 namespace {
 
+#if defined(_WIN32)
+
+void* allocateFromSystem(std::size_t size, std::size_t alignment) {
+    return _aligned_malloc(size, alignment);
+}
+void releaseToSystem(void* memory) {
+    _aligned_free(memory);
+}
+
+#else
+
+void* allocateFromSystem(std::size_t size, std::size_t alignment) {
+    return std::aligned_alloc(alignment, (size + alignment - 1) / alignment * alignment);
+}
+void releaseToSystem(void* memory) {
+    std::free(memory);
+}
+
+#endif
+
 void* allocate(std::size_t size, std::size_t alignment = alignof(std::max_align_t)) noexcept {
     if (allocations.nextFails() || size > kLargestAllocation) return nullptr;
-    const std::size_t whole = (std::max<std::size_t>(size, 1) + alignment - 1) / alignment * alignment;
-    void* memory = std::aligned_alloc(alignment, whole);
+    void* memory = allocateFromSystem(std::max<std::size_t>(size, 1), alignment);
     if (memory != nullptr) ++liveAllocations;
     return memory;
 }
@@ -31,11 +55,18 @@ void* allocateOrThrow(std::size_t size, std::size_t alignment = alignof(std::max
 
 void release(void* memory) noexcept {
     if (memory != nullptr) --liveAllocations;
-    std::free(memory);
+    releaseToSystem(memory);
 }
 
 std::size_t bytes(std::align_val_t alignment) {
     return static_cast<std::size_t>(alignment);
+}
+
+/// Counts a start, and tells whether to fail it.
+bool startFails() {
+    if (!threadStarts.nextFails()) return false;
+    allocationsBeforeFailedStart = allocations.calls();
+    return true;
 }
 
 }  // namespace
@@ -59,14 +90,24 @@ void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { rel
 void operator delete[](void* memory, std::size_t, std::align_val_t) noexcept { release(memory); }
 // clang-format on
 
+#if defined(_WIN32)
+
+// The linker lets every call of pthread_create in the program end in the second function; the first is the real one.
+extern "C" int __real_pthread_create(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
+extern "C" int __wrap_pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*body)(void*),
+                                     void* argument) {
+    return startFails() ? EAGAIN : __real_pthread_create(thread, attributes, body, argument);
+}
+
+#else
+
 // Found by the C++ library in place of the C library's own, which does the work.
 extern "C" int pthread_create(pthread_t* thread, const pthread_attr_t* attributes, void* (*body)(void*),
                               void* argument) noexcept {
-    if (threadStarts.nextFails()) {
-        allocationsBeforeFailedStart = allocations.calls();
-        return EAGAIN;
-    }
+    if (startFails()) return EAGAIN;
     using Create = int (*)(pthread_t*, const pthread_attr_t*, void* (*)(void*), void*);
     static const Create create = reinterpret_cast<Create>(dlsym(RTLD_NEXT, "pthread_create"));
     return create(thread, attributes, body, argument);
 }
+
+#endif

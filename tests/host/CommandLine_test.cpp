@@ -34,7 +34,7 @@ TEST_F(CommandLine, OutputThatCannotBeWrittenIsNamed) {
     writeText(file("taken"), "a file, not a folder");
     expectRejected("--frames 1 --output taken", {"taken"});
     expectRejected("--frames 1 --output taken/inner", {"taken/inner"});
-    expectRejected("--frames 1 --output ''", {"output"});
+    expectRejected("--frames 1 --output \"\"", {"output"});
     expectRejected("--write-settings taken/s.json", {"taken/s.json", "cannot be written"});
     EXPECT_EQ(contents(file("taken")), "a file, not a folder");
 }

@@ -7,7 +7,9 @@
 #include <random>
 #include <sstream>
 
-#ifndef _WIN32
+#ifdef _WIN32
+#include <windows.h>
+#else
 #include <sys/wait.h>
 #endif
 
@@ -22,13 +24,54 @@ fs::path newFolder() {
     }
 }
 
-int exitStatus(int result) {
-#ifdef _WIN32
-    return result;
-#else
-    return WIFEXITED(result) ? WEXITSTATUS(result) : -1;
-#endif
+/// What a program has printed; Windows ends the lines of its streams by two characters.
+std::string printedText(const fs::path& path) {
+    std::string text = contents(path);
+    std::erase(text, '\r');
+    return text;
 }
+
+#ifdef _WIN32
+
+HANDLE newInheritedFile(const fs::path& path) {
+    SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+    return CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inherited, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL,
+                       nullptr);
+}
+
+/// Runs a command line without a shell, with its streams in files; returns the exit status, -1 where it does not start.
+int runCommand(std::string command, const fs::path& folder, const fs::path& out, const fs::path& err) {
+    STARTUPINFOA startup{};
+    startup.cb = sizeof startup;
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdInput = INVALID_HANDLE_VALUE;
+    startup.hStdOutput = newInheritedFile(out);
+    startup.hStdError = newInheritedFile(err);
+    PROCESS_INFORMATION process{};
+    const BOOL started = CreateProcessA(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr,
+                                        folder.string().c_str(), &startup, &process);
+    CloseHandle(startup.hStdOutput);
+    CloseHandle(startup.hStdError);
+    if (started == 0) return -1;
+    DWORD status = 0;
+    WaitForSingleObject(process.hProcess, INFINITE);
+    GetExitCodeProcess(process.hProcess, &status);
+    CloseHandle(process.hThread);
+    CloseHandle(process.hProcess);
+    return static_cast<int>(status);
+}
+
+#else
+
+/// Runs a shell command, with its streams in files; returns the exit status, -1 where a signal ended it.
+int runCommand(const std::string& command, const fs::path& folder, const fs::path& out, const fs::path& err) {
+    const std::string whole = "HOST='" KORVANE_HOST_PROGRAM "'; cd '" + folder.string() + "' && { " + command +
+                              "; } >'" + out.string() + "' 2>'" + err.string() + "'";
+    const int result = std::system(whole.c_str());
+    return WIFEXITED(result) ? WEXITSTATUS(result) : -1;
+}
+
+#endif
 
 }  // namespace
 
@@ -61,17 +104,10 @@ HostTest::~HostTest() {
 
 Outcome HostTest::runShell(const std::string& command) {
     // The streams go beside the working directory, so that they do not count as the program's files.
-    const std::string out = (folder_ / "stdout").string();
-    const std::string err = (folder_ / "stderr").string();
-#ifdef _WIN32
-    const std::string whole =
-        "cd /d \"" + file("").string() + "\" && (" + command + ") >\"" + out + "\" 2>\"" + err + "\"";
-#else
-    const std::string whole = "HOST='" KORVANE_HOST_PROGRAM "'; cd '" + file("").string() + "' && { " + command +
-                              "; } >'" + out + "' 2>'" + err + "'";
-#endif
-    const int result = std::system(whole.c_str());
-    return {exitStatus(result), contents(out), contents(err)};
+    const fs::path out = folder_ / "stdout";
+    const fs::path err = folder_ / "stderr";
+    const int status = runCommand(command, file(""), out, err);
+    return {status, printedText(out), printedText(err)};
 }
 
 Outcome HostTest::run(const std::string& arguments) {

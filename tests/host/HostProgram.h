@@ -36,7 +36,7 @@ protected:
 
     /// Runs the program with this command line (quote what needs it) and the folder as working directory.
     Outcome run(const std::string& arguments);
-    /// As `run`, by a shell command in which $HOST stands for the program.
+    /// As `run`, by a shell command in which $HOST stands for the program; on Windows a command line of one program.
     Outcome runShell(const std::string& command);
 
     /// Expects status 2, nothing on standard output, one line on standard error with all these words, and not a file or

@@ -13,6 +13,10 @@
 
 #include "kernels/kernels.h"
 
+#if defined(_MSC_VER) && !defined(__clang__)
+#include <intrin.h>
+#endif
+
 namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
 using Byte = unsigned char;
