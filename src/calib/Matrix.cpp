@@ -26,7 +26,7 @@ Matrix::Matrix(const Matrix& other) {
 }
 
 Matrix::Matrix(Matrix&& other) noexcept {
-    if (other.data == nullptr || other.data == other.innerRows_) {
+    if (other.data == other.innerRows_) {
         // Fits into this matrix, so nothing is allocated.
         *this = other;
         other.release();

@@ -108,6 +108,15 @@ TEST(Matrix, MovedMatrixIsEmptyAfterwards) {
     EXPECT_EQ(source.cols, 0);
 }
 
+TEST(Matrix, MovedMatrixWithoutElementsHandsItsCountsOver) {
+    Matrix source(0, 5);
+    const Matrix target(std::move(source));
+    EXPECT_EQ(target.data, nullptr);
+    EXPECT_EQ(target.rows, 0);
+    EXPECT_EQ(target.cols, 5);
+    EXPECT_EQ(source.cols, 0);
+}
+
 TEST(Matrix, MovedLargeMatrixHandsItsBlockOver) {
     Matrix source = matrixOf({{1, 2, 3, 4, 5}});
     double** const block = source.data;
