@@ -3,12 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <barrier>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "faults/Barrier.h"
 #include "faults/Calls.h"
 #include "support/Support.h"
 
@@ -44,7 +44,7 @@ public:
 private:
     void repeat(const Call& call, const Call& beside, KorvaneLaserAlgo& algo, std::vector<std::string>& differences) {
         const Bits& expected = expectedOf(call);
-        start_.arrive_and_wait();
+        start_.arriveAndWait();
         for (int round = 0; round < (&call == &beside ? kRoundsBesideItself : kRounds); ++round) {
             call.prepare(algo);
             Arguments arguments(call.scene);
@@ -63,7 +63,7 @@ private:
     }
 
     const std::vector<Bits> expected_ = allExpected();
-    std::barrier<> start_{2};
+    Barrier start_{2};
 };
 
 }  // namespace
@@ -100,12 +100,12 @@ TEST(ParallelCalls, MethodsThatOnlyReadTheSettingsRunBesideOneAnotherOnOneObject
 TEST(ParallelCalls, ObjectsAreCreatedConfiguredAndDestroyedByManyThreads) {
     constexpr int kThreads = 6;
     constexpr int kObjects = 50;
-    std::barrier start(kThreads);
+    Barrier start(kThreads);
     std::vector<int> foreign(kThreads, 0);  // settings that another thread's object has
     std::vector<std::thread> threads;
     for (int t = 0; t < kThreads; ++t) {
         threads.emplace_back([&, t] {
-            start.arrive_and_wait();
+            start.arriveAndWait();
             for (int i = 0; i < kObjects; ++i) {
                 KorvaneLaserAlgo algo;
                 const bool isNew = algo.GetROIInfoWidth() == 0 && algo.GetROIInfoOffsetY() == 0;
@@ -130,14 +130,14 @@ TEST(ParallelCalls, ObjectsAreCreatedConfiguredAndDestroyedByManyThreads) {
 // Run on its own, this is the first use of both process-wide records.
 TEST(ParallelCalls, CalcImageBufferAndAutoExposureDoNotShareARecord) {
     constexpr int kFrames = 20;
-    std::barrier start(2);
+    Barrier start(2);
     std::vector<int> steadied;
     std::vector<double> proposals;
     std::thread stabilising([&] {
         KorvaneLaserAlgo algo;
         support::setRoi(algo, 6, 4);
         support::Image out(6, 4);
-        start.arrive_and_wait();
+        start.arriveAndWait();
         algo.CalcImageBuffer(out.data(), out.data(), false);
         for (int i = 0; i < kFrames; ++i) {
             support::Image frame(6, 4, static_cast<unsigned char>(100 + i));
@@ -149,7 +149,7 @@ TEST(ParallelCalls, CalcImageBufferAndAutoExposureDoNotShareARecord) {
         KorvaneLaserAlgo algo;
         support::setRoi(algo, 4, 6);  // as many pixels
         support::Image frame(4, 6, 0);
-        start.arrive_and_wait();
+        start.arriveAndWait();
         double proposal = 0.0;
         algo.AutoExposure(frame.data(), 3.0, 10.0, 0.0, 1000.0, 2.0, false, proposal);
         for (int i = 0; i < kFrames; ++i) {
