@@ -42,6 +42,8 @@ bool hasBits(int value, int bits) {
 // The processor has the instructions, and the system saves the registers.
 bool processorHas(int leaf7Bits, unsigned long long savedState) {
     int registers[4];
+    __cpuidex(registers, 0, 0);
+    if (registers[0] < 7) return false;  // the last leaf that there is
     __cpuidex(registers, 1, 0);
     constexpr int kSystemSaves = 1 << 27;
     if (!hasBits(registers[2], kSystemSaves) || (_xgetbv(0) & savedState) != savedState) return false;

@@ -21,10 +21,17 @@ namespace {
 constexpr int kWidth = 8;
 constexpr int kHeight = 60;
 
+/// A kernel of impossible size.
 void failWithoutMemory() {
     KorvaneLaserAlgo algo;
     std::vector<tagKorvaneLaserPoint3d> profile;
     algo.Gaussianfilter(profile, -1);
+}
+
+/// A matrix of 200 terabytes, which no system has addresses for: here `operator new` fails.
+void failToAllocate() {
+    KorvaneLaserAlgo algo;
+    (void)algo.polynomialFit({1.0}, {1.0}, 5'000'000);
 }
 
 void failWithImpossibleLength() {
@@ -32,8 +39,18 @@ void failWithImpossibleLength() {
     (void)algo.polynomialFit({1.0}, {1.0}, -2);
 }
 
+/// A profile that runs backwards, over more than one bucket.
+void failWithBackwardProfile() {
+    KorvaneLaserAlgo algo;
+    std::vector<tagKorvaneLaserPoint3d> profile;
+    for (int i = 0; i < 20; ++i) profile.push_back({200.0 - 5.0 * i, 0.0, 1.0});
+    std::vector<tagKorvaneLaserPoint3d> out;
+    int count = 0;
+    algo.Downsample(profile, 1.0F, out, count);
+}
+
 /// `Otsu3` on a black frame.
-void startThreads() {
+void startThreadsOfOtsu3() {
     KorvaneLaserAlgo algo;
     tagKorvaneLaserAlgoROIInfo roi{0, 0, kWidth, kHeight};
     algo.SetROIInfo(&roi);
@@ -43,9 +60,25 @@ void startThreads() {
     algo.Otsu3(out.data(), labels.data(), frame.data());
 }
 
-void failWithoutThreads() {
+/// `CalcImageBuffer` with a frame as large as the one before it. The first frame of all needs no thread.
+void startThreadsOfCalcImageBuffer() {
+    KorvaneLaserAlgo algo;
+    tagKorvaneLaserAlgoROIInfo roi{0, 0, kWidth, kHeight};
+    algo.SetROIInfo(&roi);
+    std::vector<unsigned char> frame(kWidth * kHeight);
+    std::vector<unsigned char> out(kWidth * kHeight);
+    algo.CalcImageBuffer(frame.data(), out.data(), true);
+    algo.CalcImageBuffer(frame.data(), out.data(), true);
+}
+
+template <class Operation>
+void withoutThreads(Operation operation) {
     const boundary::ThreadShortage shortage;
-    startThreads();
+    operation();
+}
+
+void failWithoutThreads() {
+    withoutThreads(startThreadsOfOtsu3);
 }
 
 /// The last of these that fits: the type by which a handler catches what the operation throws.
@@ -72,6 +105,16 @@ std::string caughtAs(Operation operation) {
 TEST(ExceptionsOfTheLibrary, AreCaughtByTheirTypes) {
     EXPECT_EQ(caughtAs(failWithoutMemory), "std::bad_alloc");
     EXPECT_EQ(caughtAs(failWithImpossibleLength), "std::length_error vector too long");
+    EXPECT_EQ(caughtAs(failWithBackwardProfile), "std::length_error vector too long");
+}
+
+TEST(ExceptionsOfTheLibrary, OfTheAllocatorAreCaughtByTheirType) {
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+    GTEST_SKIP() << "the sanitizer ends a process that asks for so much";
+#else
+    EXPECT_EQ(caughtAs(failToAllocate), "std::bad_alloc");
+    EXPECT_EQ(std::uncaught_exceptions(), 0);
+#endif
 }
 
 TEST(ExceptionsOfTheLibrary, AreCaughtByTheirBases) {
@@ -151,6 +194,8 @@ TEST(ExceptionsOfTheLibrary, MayMeetTheHostsOwnWhileItUnwinds) {
 TEST(ThreadsOfTheLibrary, ThatCannotStartLeaveAsSystemErrorWithTheReason) {
     if (!boundary::ThreadShortage::isPossible()) GTEST_SKIP() << "threads always start here";
     EXPECT_EQ(caughtAs(failWithoutThreads), "std::system_error");
+    startThreadsOfCalcImageBuffer();
+    EXPECT_EQ(caughtAs([] { withoutThreads(startThreadsOfCalcImageBuffer); }), "std::system_error");
     EXPECT_EQ(std::uncaught_exceptions(), 0);
 
     try {
@@ -161,5 +206,6 @@ TEST(ThreadsOfTheLibrary, ThatCannotStartLeaveAsSystemErrorWithTheReason) {
         EXPECT_EQ(failure.code().category(), std::generic_category());
         EXPECT_STREQ(failure.code().category().name(), "generic");
     }
-    startThreads();  // and the next call works
+    startThreadsOfOtsu3();  // and the next call works
+    startThreadsOfCalcImageBuffer();
 }

@@ -30,7 +30,10 @@ int liveBlocks() {
     EXPECT_EQ(_heapchk(), _HEAPOK);
     int count = 0;
     _HEAPINFO entry{};
-    while (_heapwalk(&entry) == _HEAPOK) count += entry._useflag == _USEDENTRY ? 1 : 0;
+    int status = _heapwalk(&entry);
+    for (; status == _HEAPOK; status = _heapwalk(&entry)) count += entry._useflag == _USEDENTRY ? 1 : 0;
+    EXPECT_EQ(status, _HEAPEND);
+    EXPECT_GT(count, 0);
     return count;
 }
 
