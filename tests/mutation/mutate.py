@@ -362,6 +362,11 @@ def main():
         files = [f for f in files if any(pathlib.PurePosixPath(f).is_relative_to(w) for w in wanted)]
     mutants = all_mutants(files)
     of_all = len(mutants)
+    explained = read_changes(EXPLAINED)
+    stale = explained.keys() - {key_of(mutant) for mutant in mutants} if not options.file else ()
+    if stale:
+        sys.exit("\n".join([f"mutate: {EXPLAINED.name} explains what is no mutant any more:",
+                            *(f"{file}: {after}" for file, _, after in sorted(stale))]))
     if options.again:
         survivors = read_changes(LAST_SURVIVORS)
         mutants = [mutant for mutant in mutants if key_of(mutant) in survivors]
@@ -377,7 +382,6 @@ def main():
     time_limits = measure_time_limits(recipes)
     print(f"{len(mutants)} of {of_all} mutants", flush=True)
 
-    explained = read_changes(EXPLAINED)
     idle = [Worker(number, recipes, time_limits) for number in range(options.jobs)]
     survived = []
 
