@@ -161,6 +161,7 @@ void findRanges(const ImageView& src, const BlobMask& mask, int firstColumn, int
 // Thresholds the columns firstColumn .. endColumn - 1.
 void thresholdColumns(const ImageView& src, const BlobMask& mask, int firstColumn, int endColumn, GreyRanges& ranges,
                       unsigned char* out, int* labels) {
+    if (firstColumn == endColumn) return;
     findRanges(src, mask, firstColumn, endColumn, ranges);
     for (std::size_t c = static_cast<std::size_t>(firstColumn); c < static_cast<std::size_t>(endColumn); ++c) {
         const int smallest = ranges.smallest[c];

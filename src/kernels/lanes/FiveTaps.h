@@ -1,11 +1,12 @@
 // The truncated sum of five weighted pixels a0 .. a4 in integers, with the bits of the sum in double precision.
 //
 // The weights are symmetric and their sum is 1, so the sum is a2 + T with T = w1 Q + w2 P, Q = a1 + a3 - 2 a2 and
-// P = a0 + a4 - 2 a2. Q and P are integers of at most 510, and those of a Gaussian of sigma 1 keep T at least 6.4e-7
-// away from every integer, unless Q = P = 0 (a test tries them all). Sums in double precision err by less than 1e-12,
-// and weights rounded to multiples of 2^-33 change T by less than 2 * 510 * 2^-34 < 6e-8: each has the same integer
-// part. Such a weight is 2^16 * coarse + fine, two 16-bit integers, so T = (C + F / 2^16) / 2^17 with the sums of
-// products C and F in 32 bits, and rounding down twice is rounding down once.
+// P = a0 + a4 - 2 a2. Q and P are integers of at most 510 that differ by at most 510, and the weights of a Gaussian of
+// sigma 1 keep T at least 6.4e-7 away from every integer, unless Q = P = 0 (a test tries them all). Sums in double
+// precision err by less than 1e-12, and weights rounded to multiples of 2^-33 change T by less than
+// 2 * 510 * 2^-34 < 6e-8: each has the same integer part. Such a weight is 2^16 * coarse + fine, two 16-bit integers,
+// so T = (C + F / 2^16) / 2^17 with the sums of products C and F in 32 bits, and rounding down twice is rounding down
+// once.
 //
 // Where Q = P = 0, a tie, the sum is a2 but for its rounding errors, which decide between a2 and a2 - 1. There it is
 // added up in double precision: beforehand for five equal pixels of each grey level, else pixel by pixel.
