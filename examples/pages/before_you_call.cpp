@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <vector>
 
 #include "KorvaneLaserAlgo.h"
@@ -24,12 +25,13 @@ bool isUsable(const tagKorvaneLaserAlgoROIInfo& roi, int sensorWidth, int sensor
 // [/roi]
 
 // [calibration]
-/// A calibration from which every method yields numbers, and with which CalRT returns.
+/// A calibration of finite numbers, bent where it has to be, with which CalRT returns.
 bool isUsable(const tagKorvaneLaserAlgoCalibrationInfo& calibration, bool secondOrder) {
     const auto areFinite = [](const double* values, int count) {
         return std::all_of(values, values + count, [](double value) { return std::isfinite(value); });
     };
     if (!areFinite(calibration.CameraMatrix, 9) || !areFinite(calibration.DistCoeffs, 5)) return false;
+    if (!areFinite(calibration.RT, 12)) return false;
     if (calibration.CameraMatrix[0] == 0.0 || calibration.CameraMatrix[4] == 0.0) return false;  // fx, fy
 
     constexpr double kSteepest = 1e6;  // far from every real sensor, and far below where CalRT ends the process
@@ -42,9 +44,9 @@ bool isUsable(const tagKorvaneLaserAlgoCalibrationInfo& calibration, bool second
 // [/calibration]
 
 // [line-select]
-/// Bounds that some candidate can pass. (Grey values are at most 255.)
+/// Bounds that some candidate can pass: grey values above 30 (in Cal2DPoint1_1 above 60) and up to 255.
 bool isUsable(const tagKorvaneLaserAlgoLineSelectInfo& select) {
-    return select.GrayMin <= select.GrayMax && select.GrayMin <= 255 && select.GrayMax >= 0 &&
+    return select.GrayMin <= select.GrayMax && select.GrayMin <= 255 && select.GrayMax > 30 &&
            select.WidthMin <= select.WidthMax && select.WidthMax >= 1 && select.SelectMode >= 1 &&
            select.SelectMode <= 4;
 }
@@ -60,11 +62,17 @@ void checks() {
     claim(isUsable(calibration, false));
     claim(!isUsable(calibration, true));
     claim(isUsable(scenes::curvedSheetSensor().calibration, true));
+    calibration.RT[9] = std::numeric_limits<double>::infinity();
+    claim(!isUsable(calibration, false));
+    calibration.RT[9] = 0.0;
+    claim(isUsable(calibration, false));
     calibration.LaserPlane[2] = 1e8;
     claim(!isUsable(calibration, false));
     claim(!isUsable(tagKorvaneLaserAlgoCalibrationInfo{}, false));
 
     claim(isUsable({.GrayMin = 140, .GrayMax = 255, .WidthMin = 3, .WidthMax = 40, .SelectMode = 1}));
+    claim(isUsable({.GrayMin = 0, .GrayMax = 31, .WidthMin = 3, .WidthMax = 40, .SelectMode = 1}));
+    claim(!isUsable({.GrayMin = 0, .GrayMax = 30, .WidthMin = 3, .WidthMax = 40, .SelectMode = 1}));
     claim(!isUsable(tagKorvaneLaserAlgoLineSelectInfo{}));
 }
 
@@ -76,6 +84,13 @@ void steepPlane() {
     algo.CalRT(steep, rt);  // returns; 6.8e7 ends the process
     // [/plane]
     claim(std::isfinite(rt[0]));
+
+    double endless[3] = {std::numeric_limits<double>::infinity(), 0.1, 0.5};
+    algo.CalRT(endless, rt);
+    claim(std::all_of(rt, rt + 9, [](double value) { return std::isfinite(value); }) && std::isinf(rt[10]));
+    double undefined[3] = {300.0, std::numeric_limits<double>::infinity(), 0.5};
+    algo.CalRT(undefined, rt);
+    claim(std::isnan(rt[0]));
 }
 
 void zeroSettings() {
