@@ -150,6 +150,46 @@ void longSingleRun() {
     // [/long-single-run]
 }
 
+void thinStripe() {
+    // [two-rows]
+    tagKorvaneLaserAlgoLineSelectInfo select{30, 255, 1, 40, 1};
+    Frame frame(8, 60);
+    frame.line(20, 200).line(21, 200);  // a stripe of two rows, and a weaker reflection of five in column 3
+    frame.line(40, 110, 3, 3).line(41, 115, 3, 3).line(42, 120, 3, 3).line(43, 115, 3, 3).line(44, 110, 3, 3);
+    auto mask = clearMask(8);
+    Points2d points;
+    Sized algo(8, 60);
+    algo->SetLineSelectInfo(&select);
+    algo->Cal2DPoint1_1(mask.get(), frame.data(), points);
+    claim(points[2].y == 20.5 && points[3].y == 42.0);
+    algo->Cal2DPoint2(mask.get(), frame.data(), points);
+    claim(points[2].y == 20.5 && points[3].y == 42.0);
+    algo->Cal2DPoint2_1(mask.get(), frame.data(), points);
+    claim(points[2].y == 20.5 && points[3].y == 42.0);
+    // [/two-rows]
+}
+
+void twoHumps() {
+    // [two-humps]
+    tagKorvaneLaserAlgoLineSelectInfo select{60, 255, 2, 40, 1};
+    Frame frame(4, 60);
+    frame.line(20, 70).line(21, 150).line(22, 200).line(23, 150).line(24, 70);             // a hump around row 22 ...
+    frame.line(25, 150, 1, 3).line(26, 200, 1, 3).line(27, 150, 1, 3).line(28, 70, 1, 3);  // ... and one around 26
+    auto mask = clearMask(4);
+    Points2d points;
+    Sized algo(4, 60);
+    algo->SetLineSelectInfo(&select);
+    algo->Cal2DPoint1_1(mask.get(), frame.data(), points);
+    claim(points[0].y == 22.0 && points[1].y == 24.0);  // 9 rows are below WidthMax: the dark row between them
+    algo->Cal2DPoint2_1(mask.get(), frame.data(), points);
+    claim(points[1].y == 24.0);  // 9 rows are below 20
+    select.WidthMax = 9;
+    algo->SetLineSelectInfo(&select);
+    algo->Cal2DPoint1_1(mask.get(), frame.data(), points);
+    claim(points[1].y == 22.0);  // two candidates now, of which column 0 decides
+    // [/two-humps]
+}
+
 void selectMode() {
     // [select-mode-2]
     tagKorvaneLaserAlgoLineSelectInfo select{60, 255, 2, 40, 2};  // mode 2
@@ -313,6 +353,19 @@ void outlierFilters() {
     claim(isEmpty(profile[0]) && !isEmpty(profile[1]) && !isEmpty(profile[19]));
     // [/first-point]
 
+    // [no-width]
+    profile = level(20, 100.0);
+    algo.Outlierdetect2(profile, 1, 5.0F);
+    claim(std::none_of(profile.begin(), profile.end(), isEmpty));  // 1, 0 or less: nothing is cleared
+    algo.Outlierdetect2(profile, 2, 0.0F);
+    claim(std::all_of(profile.begin(), profile.end(), isEmpty));  // a threshold of 0 or less: all of it
+    profile = level(20, 100.0);
+    algo.Outlierdetect1(profile, -1, 0.3F);
+    claim(std::none_of(profile.begin(), profile.end(), isEmpty));
+    algo.Outlierdetect1(profile, 0, 0.3F);
+    claim(std::all_of(profile.begin(), profile.end(), isEmpty));
+    // [/no-width]
+
     // [slope]
     for (int i = 0; i < 20; ++i) profile[static_cast<std::size_t>(i)] = {1.0 + i, 0.0, 100.0 + 10.0 * i};
     algo.Outlierdetect1(profile, 5, 0.3F);
@@ -346,6 +399,14 @@ void outlierFilters() {
     algo.Outlierdetect2(profile, 2, 5.0F);
     claim(!isEmpty(profile[0]));  // none cleared, not one
     // [/first-run]
+
+    // [float-threshold]
+    profile = level(20, 0.0);
+    for (auto& point : profile) point.x *= 0.01;               // close together in x, and
+    for (std::size_t i = 10; i < 20; ++i) profile[i].z = 0.1;  // a step of 0.1 at position 10
+    algo.Outlierdetect2(profile, 3, 0.1F);
+    claim(!isEmpty(profile[10]));  // 0.1 is below 0.1F, so it ends no run
+    // [/float-threshold]
 }
 
 void medians() {
@@ -409,6 +470,13 @@ void thinning() {
     claim(count == 10 && out.size() == 10);  // ten points or fewer are passed on as they are
     // [/ten-points]
 
+    // [float-step]
+    profile = level(20, 100.0);
+    for (auto& point : profile) point.x = 1.0 + 0.05 * (point.x - 1.0);  // 1.0, 1.05, ... 1.95: two to a bucket of 0.1
+    algo.Downsample(profile, 0.1F, out, count);
+    claim(out[0].x == 1.0 && isNear(out[1].x, 1.075, 1e-12));  // 1.0 / 0.1F is below 10: alone in bucket 9
+    // [/float-step]
+
     // [backward]
     profile = level(20, 100.0);
     for (auto& point : profile) point.x = 100.0 - point.x;  // 99, 98, ... 80
@@ -431,6 +499,12 @@ void blur() {
     const Image expected{0, 0, 69, 134, 36, 9, 2};  // taps 0.274, 0.452, 0.274, from left to right, in place
     claim(std::equal(expected.begin(), expected.end(), &out.at(1, 0)));
     // [/blur]
+
+    // [blur-edges]
+    const Image edge{0, 0, 50, 167, 26, 6, 1};  // the rows beyond the edge keep the sharp column
+    claim(std::equal(edge.begin(), edge.end(), &out.at(0, 0)));
+    claim(std::equal(edge.begin(), edge.end(), &out.at(2, 0)));
+    // [/blur-edges]
 
     // [flat]
     int fallen = 0;
@@ -472,6 +546,18 @@ void thresholds() {
     Sized(8, 60)->Otsu3(selected.data(), marks.data(), blob.data());
     claim(blob.at(5, 0) == 0 && blob.at(5, 4) == 200);
     // [/blob]
+
+    // [band]
+    Frame banded(8, 60);
+    for (int r = 0; r < 30; ++r) banded.line(r, 200, 0, 3);  // 120 pixels: the blob's centre is (1, 14)
+    banded.line(10, 250, 4, 7).line(50, 100, 4, 7);
+    Image chosen(480);
+    Sized(8, 60)->Otsu3(chosen.data(), marks.data(), banded.data());
+    const auto at = [](std::size_t row, std::size_t column) { return row * 8 + column; };
+    claim(chosen[at(50, 4)] == 100);  // rows 0 to 23 have no say here: the threshold is 60, not 125
+    claim(chosen[at(10, 4)] == 250);  // but are selected like any other
+    claim(chosen[at(50, 7)] == 0);    // the last column is outside the band: 125
+    // [/band]
 
     // [left-alone]
     Image kept{7, 7};
@@ -532,6 +618,8 @@ int main() {
     rowZero();
     longRun();
     onlyCandidate();
+    thinStripe();
+    twoHumps();
     longSingleRun();
     selectMode();
     cap();
