@@ -1,10 +1,14 @@
 # Windows looks for dynamic libraries in the folder of the program, so all programs and libraries of a build go to one
 # folder, and the compiler's runtime libraries stand there too. Host and library must share them: an exception that
-# crosses the boundary between two copies of the runtime is never over for the host (docs/windows.md).
+# crosses the boundary between two copies of the runtime is never over for the host (docs/windows.md). Where another
+# project has chosen a folder for programs, it stays.
 #
 # Sets KORVANE_RUNTIME_LIBRARIES, the files that belong beside the library wherever it goes.
 
-set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${PROJECT_BINARY_DIR}/bin)
+set(runtimeFolder ${PROJECT_BINARY_DIR}/bin)
+if(NOT DEFINED CMAKE_RUNTIME_OUTPUT_DIRECTORY)
+  set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${runtimeFolder})
+endif()
 set(KORVANE_RUNTIME_LIBRARIES "")
 
 if(MINGW AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
@@ -16,8 +20,8 @@ if(MINGW AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
       set(file ${compilerFolder}/${name})
     endif()
     # Without what only a debugger reads: 2 MB instead of 24 for the greatest of them.
-    set(besideTheLibrary ${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${name})
-    file(MAKE_DIRECTORY ${CMAKE_RUNTIME_OUTPUT_DIRECTORY})
+    set(besideTheLibrary ${runtimeFolder}/${name})
+    file(MAKE_DIRECTORY ${runtimeFolder})
     execute_process(COMMAND ${CMAKE_STRIP} -o ${besideTheLibrary} ${file} COMMAND_ERROR_IS_FATAL ANY)
     list(APPEND KORVANE_RUNTIME_LIBRARIES ${besideTheLibrary})
   endforeach()
