@@ -24,9 +24,14 @@ install(FILES ${PROJECT_SOURCE_DIR}/include/KorvaneLaserAlgo.h
 
 install(EXPORT KorvaneLaserAlgoSDKTargets NAMESPACE KorvaneLaserAlgoSDK::
   DESTINATION ${configFolder} COMPONENT development)
+set(runtimeNames "")
+foreach(file ${KORVANE_RUNTIME_LIBRARIES})
+  get_filename_component(name ${file} NAME)
+  string(APPEND runtimeNames " ${name}")
+endforeach()
 configure_package_config_file(
   ${CMAKE_CURRENT_LIST_DIR}/KorvaneLaserAlgoSDKConfig.cmake.in ${PROJECT_BINARY_DIR}/KorvaneLaserAlgoSDKConfig.cmake
-  INSTALL_DESTINATION ${configFolder} NO_SET_AND_CHECK_MACRO)
+  INSTALL_DESTINATION ${configFolder} PATH_VARS CMAKE_INSTALL_BINDIR NO_SET_AND_CHECK_MACRO)
 write_basic_package_version_file(
   ${PROJECT_BINARY_DIR}/KorvaneLaserAlgoSDKConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(

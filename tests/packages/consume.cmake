@@ -1,8 +1,6 @@
 # Configures, builds and runs the consumer in an empty folder.
-#   cmake -D SOURCE=... -D FOLDER=... -D GENERATOR=... -D CACHE=FILE -D CONFIG=... -D RUNTIME=FOLDER -P consume.cmake --
-#     [-D ...]
-# CACHE sets the compiler and the like, RUNTIME is where Windows finds the compiler's own libraries; what follows -- goes
-# to the consumer's configuration.
+#   cmake -D SOURCE=... -D FOLDER=... -D GENERATOR=... -D CACHE=FILE -D CONFIG=... -P consume.cmake -- [-D ...]
+# CACHE sets the compiler and the like; what follows -- goes to the consumer's configuration.
 
 cmake_minimum_required(VERSION 3.25)
 
@@ -20,6 +18,6 @@ file(REMOVE_RECURSE ${FOLDER})
 execute_process(COMMAND ${CMAKE_COMMAND} -S ${SOURCE} -B ${FOLDER} -G ${GENERATOR} -C ${CACHE} ${arguments}
   COMMAND_ERROR_IS_FATAL ANY)
 execute_process(COMMAND ${CMAKE_COMMAND} --build ${FOLDER} --config ${CONFIG} --parallel 2 COMMAND_ERROR_IS_FATAL ANY)
-set(ENV{WINEPATH} ${RUNTIME})
+unset(ENV{WINEPATH})
 execute_process(COMMAND ${CMAKE_CTEST_COMMAND} --test-dir ${FOLDER} -C ${CONFIG} --verbose --no-tests=error
   COMMAND_ERROR_IS_FATAL ANY)
