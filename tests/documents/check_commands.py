@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Runs the shell commands of README.md and docs/calibration.md that are quick: check_commands.py ROOT PROGRAM ...
+"""Runs the quick shell commands of README.md and the pages below: check_commands.py ROOT PROGRAM ...
 
 commands.txt beside this file sorts them all: under the line `run:` those that are run, in its order, in one empty folder;
 under other lines those that are not, and why. A fault is a command that fails, or stands in one place but not in the
@@ -15,19 +15,24 @@ import tempfile
 
 ROOT = pathlib.Path(sys.argv[1])
 PROGRAMS = {pathlib.Path(program).stem: program for program in sys.argv[2:]}
-PAGES = [ROOT / "README.md", ROOT / "docs" / "calibration.md"]
+PAGES = [ROOT / "README.md", *(ROOT / "docs" / f"{page}.md" for page in ("calibration", "packages", "windows"))]
 
 BLOCK = re.compile(r"^```(?P<language>\w*)\n(?P<lines>.*?)^```$", re.MULTILINE | re.DOTALL)
 QUOTED = re.compile(r"`([^`\n]+)`")
-COMMAND = re.compile(r"(scripts/|build/|\.ci/|korvane-)\S+")
+INDENTED = re.compile(r"^ {4}(\S.*)$", re.MULTILINE)
+COMMAND = re.compile(r"(scripts/|build/|\.ci/|korvane-)\S+|(apt-get|cmake|ctest|export|g\+\+) .")
+FOLDER_OR_FILE = re.compile(r"build/\S+$")
 
 
 def commands_of(page):
-    """Lines of blocks without a language, and quoted text, that begin like a command of this project."""
+    """Lines of blocks without a language, indented lines, and quoted text, that begin like a command."""
     text = page.read_text(encoding="utf-8")
     lines = [line for block in BLOCK.finditer(text) if block["language"] in ("", "sh", "bash")
              for line in block["lines"].splitlines()]
-    quoted = [candidate for candidate in QUOTED.findall(BLOCK.sub("", text)) if "/" in candidate]  # no bare names
+    text = BLOCK.sub("", text)
+    lines += INDENTED.findall(text)
+    quoted = [candidate for candidate in QUOTED.findall(text)
+              if "/" in candidate and not FOLDER_OR_FILE.match(candidate)]  # no bare names
     for candidate in [*lines, *quoted]:
         command = candidate.split("  #")[0].strip()
         if COMMAND.match(command) and not command.endswith("/"):
