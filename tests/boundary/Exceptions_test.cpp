@@ -55,26 +55,30 @@ void failWithBackwardProfile() {
     algo.Downsample(profile, 1.0F, out, count);
 }
 
+/// A host with a black frame.
+struct BlackFrame {
+    BlackFrame() {
+        tagKorvaneLaserAlgoROIInfo roi{0, 0, kWidth, kHeight};
+        algo.SetROIInfo(&roi);
+    }
+
+    KorvaneLaserAlgo algo;
+    std::vector<unsigned char> frame = std::vector<unsigned char>(kWidth * kHeight);
+    std::vector<unsigned char> out = std::vector<unsigned char>(kWidth * kHeight);
+};
+
 /// `Otsu3` on a black frame.
 void startThreadsOfOtsu3() {
-    KorvaneLaserAlgo algo;
-    tagKorvaneLaserAlgoROIInfo roi{0, 0, kWidth, kHeight};
-    algo.SetROIInfo(&roi);
-    std::vector<unsigned char> frame(kWidth * kHeight);
-    std::vector<unsigned char> out(kWidth * kHeight);
+    BlackFrame host;
     std::vector<int> labels(kWidth * kHeight);
-    algo.Otsu3(out.data(), labels.data(), frame.data());
+    host.algo.Otsu3(host.out.data(), labels.data(), host.frame.data());
 }
 
 /// `CalcImageBuffer` with a frame as large as the one before it. The first frame of all needs no thread.
 void startThreadsOfCalcImageBuffer() {
-    KorvaneLaserAlgo algo;
-    tagKorvaneLaserAlgoROIInfo roi{0, 0, kWidth, kHeight};
-    algo.SetROIInfo(&roi);
-    std::vector<unsigned char> frame(kWidth * kHeight);
-    std::vector<unsigned char> out(kWidth * kHeight);
-    algo.CalcImageBuffer(frame.data(), out.data(), true);
-    algo.CalcImageBuffer(frame.data(), out.data(), true);
+    BlackFrame host;
+    host.algo.CalcImageBuffer(host.frame.data(), host.out.data(), true);
+    host.algo.CalcImageBuffer(host.frame.data(), host.out.data(), true);
 }
 
 template <class Operation>
