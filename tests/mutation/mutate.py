@@ -1,11 +1,12 @@
 #!/usr/bin/env python3
 """Changes the library one operator, constant, jump or statement at a time and looks whether a test notices.
 
-    mutate.py [--file PATH ...] [--sample N] [--seed S] [--again] [--list]
+    mutate.py [--file PATH ...] [--sample N] [--seed S] [--again] [--explained] [--list]
 
 Works on a copy of the sources in build/mutants and leaves the tree alone. Each change is compiled alone, linked into the
 test programs of its room, and run: the unit tests first, then random cases, library against twin. A change that no test
-notices has survived; the exit status is 1 where there is one that equivalent.txt does not explain.
+notices has survived; the exit status is 1 where there is one that equivalent.txt does not explain. What it explains is
+counted, and run only with --explained: the reader of the explanation is its judge, and a survivor costs most.
 """
 
 import argparse
@@ -22,6 +23,7 @@ import shutil
 import signal
 import subprocess
 import sys
+import threading
 import time
 
 from mutations import mutations_of
@@ -46,12 +48,15 @@ TESTS_OF_ROOM = {
     "profile": [UNIT_TESTS["profile"], "profile"],
     "extract": [UNIT_TESTS["extract"], "extraction"],
     "image": [UNIT_TESTS["image"], FAILURE_TESTS, "image"],
-    # The same tests for every set of kernels.
+    # The same tests for every set of kernels. Of a pass, those of the rooms that use it.
     "kernels": [f"{UNIT_TESTS[room]} --kernels={name}" for name in ("AVX512", "plain", "SSE2", "AVX2")
                 for room in ("kernels", "extract", "image", "profile", "calib")] + [*FUZZ_CASES, SIZE_TESTS],
     "algo": [*UNIT_TESTS.values(), *FUZZ_CASES],
 }
+ROOM_OF_FUZZ = {"calibration": "calib", "profile": "profile", "extraction": "extract", "image": "image"}
 PROGRAMS = [*UNIT_TESTS.values(), FAILURE_TESTS, SIZE_TESTS, FUZZ]
+
+NO_SUBJECT = "src/kernels/check"  # is a test itself, and part of the check build alone
 
 BUILD_SECONDS = 600
 MEMORY = 6 << 30  # bytes of address space; a changed size may ask for all there is
@@ -143,6 +148,16 @@ def objects_in(words):
     return [word for word in words if word.endswith((".o", ".obj"))]
 
 
+def set_of(object_name):
+    """The set of kernels that the object holds, or None."""
+    match = re.search(r"kernels/sets/(\w+)\.cpp", object_name)
+    return match and match[1]
+
+
+UNCHANGED_TABLE = "kUnchanged"  # what the table of the unchanged passes is called beside a changed one
+LINKER = ["-fuse-ld=gold"] if shutil.which("ld.gold") else []  # takes half the time of the default
+
+
 class Recipes:
     """How each object is compiled and each program linked, and which objects a source file is part of."""
 
@@ -151,6 +166,9 @@ class Recipes:
         self.link = {}  # program -> command
         self.archives = {}  # library -> objects
         self.objects_of = collections.defaultdict(list)  # file -> objects
+        self.headers = {}  # options -> precompiled header
+        self.renamed = set()
+        self.lock = threading.Lock()
         for program in PROGRAMS:
             for line in ninja("commands", program).splitlines():
                 words = shlex.split(line)
@@ -169,6 +187,43 @@ class Recipes:
             else:
                 current = line.split(":")[0]
 
+    def plain(self, object_name):
+        """The command that compiles an object and does nothing else."""
+        command = [word for word in self.compile[object_name] if not word.startswith("-W")]
+        for option in ("-MF", "-MT"):
+            if option in command:
+                del command[command.index(option):command.index(option) + 2]
+        return [*(word for word in command if word != "-MD"), "-w"]
+
+    def header_of(self, object_name):
+        """A precompiled header of what the library includes of the compiler's: it takes a third of the time."""
+        command = self.plain(object_name)
+        options = command[:command.index("-o")]
+        with self.lock:
+            if tuple(options) not in self.headers:
+                header = BUILD / f"headers-{len(self.headers)}" / "compiler.h"
+                header.parent.mkdir(exist_ok=True)
+                names = set()
+                for path in (TREE / "src").rglob("*.[ch]*"):
+                    names.update(re.findall(r"^#include <(\w+)>", path.read_text(encoding="utf-8"), re.MULTILINE))
+                header.write_text("".join(f"#include <{name}>\n" for name in sorted(names)), encoding="utf-8")
+                if not build_step([*options, "-w", "-x", "c++-header", str(header), "-o", f"{header}.gch"], OBJECTS):
+                    sys.exit(f"mutate: {header} does not compile")
+                self.headers[tuple(options)] = header
+            return self.headers[tuple(options)]
+
+    def with_other_table(self, object_name):
+        """A copy of a set's object, in which the table has another name."""
+        copy = OBJECTS / f"{object_name}.unchanged.o"
+        with self.lock:
+            if copy not in self.renamed:
+                scope = f"_ZN16KORVANELASERALGO7kernels{len(set_of(object_name))}{set_of(object_name)}"
+                subprocess.run(["objcopy", "--redefine-sym",
+                                f"{scope}6kTableE={scope}{len(UNCHANGED_TABLE)}{UNCHANGED_TABLE}E",
+                                OBJECTS / object_name, copy], check=True)
+                self.renamed.add(copy)
+        return copy
+
     def linked_into(self, program):
         """The program's objects: its own, and those in the project's static libraries."""
         objects = set(objects_in(self.link[program]))
@@ -177,10 +232,80 @@ class Recipes:
         return objects
 
 
-# ---- one mutant ----
+# ---- the passes of src/kernels ----
 
-def tests_of(file):
-    return TESTS_OF_ROOM[file.split("/")[1]]
+LANES = "src/kernels/lanes"
+TABLE = f"{LANES}/Table.h"
+
+
+class Passes:
+    """Which passes a file of lanes or plain twins takes part in, and which rooms use them."""
+
+    def __init__(self):
+        table = self.text_of(TABLE)
+        self.entries = re.findall(r"\.(\w+) = \1,", table)
+        self.headers = included_lanes(table)
+        self.closures = {header: self.closure_of(header) for header in self.headers}
+        self.header_of = {entry: next(header for header in self.headers if self.defines(header, entry))
+                          for entry in self.entries}
+        self.rooms_of = {entry: self.users_of(entry) for entry in self.entries}
+
+    @staticmethod
+    def text_of(file):
+        return (TREE / file).read_text(encoding="utf-8")
+
+    def closure_of(self, header):
+        files = {header}
+        for included in included_lanes(self.text_of(header)):
+            files |= self.closure_of(included)
+        return files
+
+    def defines(self, file, entry):
+        return re.search(rf"^[^\n/;]*\b{entry}\([^;]*?\) {{$", self.text_of(file), re.MULTILINE) is not None
+
+    @staticmethod
+    def users_of(entry):
+        """Rooms whose sources name the entry of the table; those of the shared parts of src/kernels are two."""
+        rooms = set()
+        for path in (TREE / "src").rglob("*.[ch]*"):
+            parts = path.relative_to(TREE / "src").parts
+            if not re.search(rf"[.>]{entry}\b", path.read_text(encoding="utf-8")):
+                continue
+            if parts[0] != "kernels":
+                rooms.add(parts[0])
+            elif len(parts) == 2:
+                rooms |= {"extract", "image"}
+        return rooms
+
+    def of(self, file):
+        """The entries of the table that a change of the file can reach, or None where it is no file of passes."""
+        if file.startswith(f"{LANES}/") and file != TABLE:
+            return [entry for entry in self.entries if file in self.closures[self.header_of[entry]]]
+        if re.match(r"src/kernels/plain/[A-Z]", file):
+            return [entry for entry in self.entries if self.defines(file, entry)] or None
+        return None
+
+    def tests_of(self, file):
+        tests = TESTS_OF_ROOM[file.split("/")[1]]
+        entries = self.of(file)
+        if entries is None:
+            return tests
+        rooms = {"kernels"}.union(*(self.rooms_of[entry] for entry in entries))
+        return [test for test in tests if room_of(test) in (None, *rooms)]
+
+
+def included_lanes(text):
+    return [f"src/{name}" for name in re.findall(r'#include "(kernels/lanes/\w+\.h)"', text)]
+
+
+def room_of(test):
+    """The room whose tests these are, or None for those of the whole."""
+    if test in FUZZ_CASES:
+        return ROOM_OF_FUZZ.get(test)
+    return test.split("/")[1] if program_of(test) in UNIT_TESTS.values() else None
+
+
+# ---- one mutant ----
 
 
 def command_of(test, program):
@@ -192,9 +317,8 @@ def command_of(test, program):
 
 def may_run(object_name, test):
     """Whether a test can reach an object: of the kernels in lanes, a test of one set runs those of that set alone."""
-    lanes = re.search(r"kernels/sets/(\w+)\.cpp", object_name)
     chosen = re.search(r"--kernels=(\w+)", test)
-    return not lanes or not chosen or lanes[1] == chosen[1].lower()
+    return not set_of(object_name) or not chosen or set_of(object_name) == chosen[1].lower()
 
 
 def program_of(test):
@@ -204,47 +328,73 @@ def program_of(test):
 class Worker:
     """A folder with a copy of the library's sources, in which one mutant at a time is built and run."""
 
-    def __init__(self, number, recipes, time_limits):
+    def __init__(self, number, recipes, passes, time_limits):
         self.folder = BUILD / f"worker-{number}"
         self.recipes = recipes
+        self.passes = passes
         self.time_limits = time_limits
-        self.unchanged = {}  # object -> digest, compiled in this folder
+        self.unchanged = {}  # file, object -> digest, compiled in this folder
         shutil.rmtree(self.folder, ignore_errors=True)
         shutil.copytree(TREE / "src", self.folder / "src")
 
-    def compile(self, object_name):
-        """The digest of the object, or None where it does not compile."""
+    def compile(self, object_name, file):
+        """The digest of the object, or None where it does not compile. `file` is what has changed in it."""
         output = self.folder / "changed" / object_name
         output.parent.mkdir(parents=True, exist_ok=True)
         source_folder = str(TREE / "src")
-        command = [word.replace(source_folder, str(self.folder / "src"))
-                   for word in self.recipes.compile[object_name] if not word.startswith("-W")]
+        command = [word.replace(source_folder, str(self.folder / "src")) for word in self.recipes.plain(object_name)]
         command[command.index("-o") + 1] = str(output)
-        for option in ("-MF", "-MT"):
-            if option in command:
-                del command[command.index(option):command.index(option) + 2]
-        command = [word for word in command if word != "-MD"]
-        if not build_step([*command, "-w"], self.folder):
+        if set_of(object_name) and self.passes.of(file) is not None:
+            command[command.index("-c") + 1] = str(self.write_part(object_name, file))
+        command[1:1] = ["-include", str(self.recipes.header_of(object_name))]
+        if not build_step(command, self.folder):
             return None
         return hashlib.sha256(output.read_bytes()).digest()
 
-    def link(self, program, objects):
+    def write_part(self, object_name, file):
+        """Writes a source of the passes that the file takes part in; all others come from the unchanged object."""
+        name = set_of(object_name)
+        source = (TREE / f"src/kernels/sets/{name}.cpp").read_text(encoding="utf-8")
+        defines = [line for line in source.splitlines() if line.startswith("#define")]
+        entries = self.passes.of(file)
+        headers = sorted({self.passes.header_of[entry] for entry in entries})
+        part = self.folder / "part.cpp"
+        part.write_text("\n".join([
+            *defines,
+            *(f'#include "{header.removeprefix("src/")}"' for header in headers),
+            f"namespace KORVANELASERALGO::kernels::{name} {{",
+            f"extern const KernelSet {UNCHANGED_TABLE};",
+            "extern const KernelSet kTable;",
+            "__attribute__((init_priority(101))) const KernelSet kTable = [] {",
+            f"    KernelSet set = {UNCHANGED_TABLE};",
+            *(f"    set.{entry} = {entry};" for entry in entries),
+            "    return set;",
+            "}();",
+            "}",
+        ]), encoding="utf-8")
+        return part
+
+    def link(self, program, objects, file):
         output = self.folder / "program"
         # Before all others: a library's object is left out where what it defines is there already.
         command = [word for word in self.recipes.link[program] if word not in objects]
         command[command.index("-o") + 1] = str(output)
-        command[1:1] = [str(self.folder / "changed" / name) for name in objects]
-        return output if build_step(command, OBJECTS) else None
+        inputs = [str(self.folder / "changed" / name) for name in objects]
+        if self.passes.of(file) is not None:
+            inputs += [str(self.recipes.with_other_table(name)) for name in objects if set_of(name)]
+        command[1:1] = inputs
+        return output if build_step([*command, *LINKER], OBJECTS) else None
 
     def outcome_of(self, mutant):
         original = (TREE / mutant.file).read_text(encoding="utf-8")
         source = self.folder / mutant.file
         objects = self.recipes.objects_of[mutant.file]
         for name in objects:
-            if name not in self.unchanged:
-                self.unchanged[name] = self.compile(name)
-                if self.unchanged[name] is None:
+            if (mutant.file, name) not in self.unchanged:
+                digest = self.compile(name, mutant.file)
+                if digest is None:
                     sys.exit(f"mutate: {name} does not compile unchanged")
+                self.unchanged[mutant.file, name] = digest
         change = mutant.mutation
         source.write_text(original[:change.start] + change.replacement + original[change.end:], encoding="utf-8")
         try:
@@ -256,7 +406,7 @@ class Worker:
         # The library's objects first: most mutants are noticed before the tests' own objects are needed.
         compiled = {}  # object -> whether it differs
         linked = None
-        for test in tests_of(mutant.file):
+        for test in self.passes.tests_of(mutant.file):
             program = program_of(test)
             needed = [name for name in objects if name in self.recipes.linked_into(program)]
             if not needed:
@@ -265,15 +415,15 @@ class Worker:
             for name in needed:
                 if name in compiled:
                     continue
-                digest = self.compile(name)
+                digest = self.compile(name, mutant.file)
                 if digest is None:
                     return NOT_COMPILING
-                compiled[name] = digest != self.unchanged[name]
+                compiled[name] = digest != self.unchanged[mutant.file, name]
             changed = [name for name in needed if compiled[name]]
             if not changed:
                 continue
             if (program, changed) != linked:
-                path = self.link(program, changed)
+                path = self.link(program, changed, mutant.file)
                 if path is None:
                     return NOT_COMPILING
                 linked = program, changed
@@ -350,6 +500,7 @@ def main():
     parser.add_argument("--sample", type=int, help="run this many mutants, drawn at random")
     parser.add_argument("--seed", type=int, default=1, help="of the sample, default 1")
     parser.add_argument("--again", action="store_true", help="run only what survived the last run")
+    parser.add_argument("--explained", action="store_true", help="run what is explained, too")
     parser.add_argument("--list", action="store_true", help="list the mutants and run none")
     parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="mutants that run at once")
     options = parser.parse_args()
@@ -357,6 +508,7 @@ def main():
     BUILD.mkdir(parents=True, exist_ok=True)
     copy_tree()
     files = sorted(p.relative_to(TREE).as_posix() for p in (TREE / "src").rglob("*") if p.suffix in (".h", ".cpp"))
+    files = [file for file in files if not file.startswith(f"{NO_SUBJECT}/")]
     if options.file:
         wanted = [pathlib.PurePosixPath(name) for name in options.file]
         files = [f for f in files if any(pathlib.PurePosixPath(f).is_relative_to(w) for w in wanted)]
@@ -382,10 +534,13 @@ def main():
     time_limits = measure_time_limits(recipes)
     print(f"{len(mutants)} of {of_all} mutants", flush=True)
 
-    idle = [Worker(number, recipes, time_limits) for number in range(options.jobs)]
+    passes = Passes()
+    idle = [Worker(number, recipes, passes, time_limits) for number in range(options.jobs)]
     survived = []
 
     def examine(mutant):
+        if key_of(mutant) in explained and not options.explained:
+            return EXPLAINED_SURVIVOR
         worker = idle.pop()
         outcome = worker.outcome_of(mutant)
         idle.append(worker)
