@@ -54,9 +54,8 @@ void measureTopRuns(const MutableImageView& image, std::vector<int>& topRuns) {
     std::vector<std::uint64_t> state(static_cast<std::size_t>(kernels::blocksOf(image.width)), 0);
     std::vector<kernels::Transition> transitions(topRuns.size() * kernels::kBandRows);
     for (int r = 0; r < image.height && growing > 0; r += kernels::kBandRows) {
-        const int endRow = std::min(r + kernels::kBandRows, image.height);
         const std::size_t count = kernels::active().findTransitions(
-            image.bytes, image.width, r, endRow, thresholds.data(), nullptr, state.data(), transitions.data());
+            image.bytes, image.width, image.height, r, thresholds.data(), nullptr, state.data(), transitions.data());
         for (const kernels::Transition& transition : std::span(transitions).first(count)) {
             int& run = topRuns[static_cast<std::size_t>(transition.column)];
             if (transition.row == 0) {

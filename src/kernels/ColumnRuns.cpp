@@ -17,9 +17,8 @@ std::vector<Transition> listTransitions(const unsigned char* image, int width, i
     std::vector<std::uint64_t> state(static_cast<std::size_t>(blocksOf(width)), 0);
 
     for (int r = 0; r < height; r += kBandRows) {
-        const int endRow = std::min(r + kBandRows, height);
         const std::size_t count =
-            kernels::active().findTransitions(image, width, r, endRow, thresholds, active, state.data(), ofBand.get());
+            kernels::active().findTransitions(image, width, height, r, thresholds, active, state.data(), ofBand.get());
         transitions.insert(transitions.end(), ofBand.get(), ofBand.get() + count);
         if (active != nullptr) active += blocksOf(width);
     }

@@ -27,6 +27,10 @@ inline constexpr std::size_t kLaneRoom = 32;
 inline constexpr int bandsOf(int height) {
     return height / kBandRows + (height % kBandRows != 0 ? 1 : 0);
 }
+/// Rows of the band that begins at a row.
+inline constexpr int rowsOfBand(int row, int endRow) {
+    return endRow - row < kBandRows ? endRow - row : kBandRows;
+}
 inline constexpr int blocksOf(int width) {
     return width / kBlockColumns + (width % kBlockColumns != 0 ? 1 : 0);
 }
@@ -110,14 +114,14 @@ struct KernelSet {
     void (*findColumnMaxima)(const unsigned char* image, int width, int height, unsigned char floor,
                              unsigned char* maxima, unsigned char* active);
 
-    /// Lists the transitions in the rows [firstRow, endRow), which are at most a band. Bands are swept downwards from
-    /// row 0; transitions of one column come in the order of their rows.
+    /// Lists the transitions in the band that begins at `firstRow`. Bands are swept downwards from row 0; transitions
+    /// of one column come in the order of their rows.
     /// @param thresholds one per column; a brighter pixel is bright
     /// @param active null, or one byte per block: 0 where it has no bright pixel in this band
     /// @param state one word per block, 0 before the first band, kept from band to band
     /// @param transitions has room for one per pixel of the band
     /// @return their number
-    std::size_t (*findTransitions)(const unsigned char* image, int width, int firstRow, int endRow,
+    std::size_t (*findTransitions)(const unsigned char* image, int width, int height, int firstRow,
                                    const unsigned char* thresholds, const unsigned char* active, std::uint64_t* state,
                                    Transition* transitions);
 

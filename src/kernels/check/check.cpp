@@ -107,14 +107,14 @@ void findColumnMaxima(const unsigned char* image, int width, int height, unsigne
 }
 
 // The order within a band is up to the set, but for that of a column.
-std::size_t findTransitions(const unsigned char* image, int width, int firstRow, int endRow,
+std::size_t findTransitions(const unsigned char* image, int width, int height, int firstRow,
                             const unsigned char* thresholds, const unsigned char* active, std::uint64_t* state,
                             Transition* transitions) {
     const std::size_t count =
-        chosen().findTransitions(image, width, firstRow, endRow, thresholds, active, state, transitions);
-    std::vector<Transition> twin(pixelsOf(width, endRow - firstRow));
+        chosen().findTransitions(image, width, height, firstRow, thresholds, active, state, transitions);
+    std::vector<Transition> twin(pixelsOf(width, rowsOfBand(firstRow, height)));
     const std::size_t twinCount =
-        plain::findTransitions(image, width, firstRow, endRow, thresholds, active, state, twin.data());
+        plain::findTransitions(image, width, height, firstRow, thresholds, active, state, twin.data());
     require(count == twinCount, "findTransitions, count");
     const auto rowsByColumn = [width](const Transition* list, std::size_t size) {
         std::vector<std::vector<int>> rows(sizeOf(width));

@@ -192,6 +192,18 @@ inline bool anyAbove(const Bytes& a, const Bytes& b) {
     return !isZero(excess);
 }
 
+/// The same where the levels of all pixels are equal. Narrow registers are cheaper by half then.
+inline bool anyAboveEqual(const Bytes& a, const Bytes& level) {
+    Register largest = a.part[0];
+    for (int i = 1; i < kRegisters; ++i) largest = maxRegister(largest, a.part[i]);
+    return !isZero(subtractRegister(largest, level.part[0]));
+}
+
+/// Asks for the cache lines of a lane, which are needed soon.
+inline void prefetch(const Byte* p) {
+    _mm_prefetch(reinterpret_cast<const char*>(p), _MM_HINT_T0);
+}
+
 /// Number of set bits.
 inline int bitsOf(Mask mask) {
 #if KORVANE_KERNEL_LEVEL > 1

@@ -16,11 +16,13 @@ inline void findColumnMaxima(const Byte* image, int width, int height, Byte floo
 
     for (int r = 0; r < height; r += kBandRows) {
         const int rows = rowsOfBand(r, height);
+        const int rowsBelow = rowsOfBand(r + rows, height);
         const Byte* band = image + static_cast<std::ptrdiff_t>(r) * width;
         for (int b = 0; b < blocks; ++b) {
             const Block block(b, width);
+            prefetchBelow(band + block.first, width, rows, rowsBelow);
             const Bytes largest = maxOfRows(band + block.first, width, rows);
-            const bool any = anyAbove(largest, floors);
+            const bool any = anyAboveEqual(largest, floors);
             *active++ = any ? 1 : 0;
             if (any) max(largest, Bytes::load(maxima + block.first)).store(maxima + block.first);
         }

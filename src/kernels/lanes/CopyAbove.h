@@ -14,10 +14,12 @@ inline void copyAbove(const Byte* image, int stride, int columns, int rows, cons
 
     for (int r = 0; r < rows; r += kBandRows) {
         const int rowsHere = rowsOfBand(r, rows);
+        const int rowsBelow = rowsOfBand(r + rowsHere, rows);
         for (int b = 0; b < blocks; ++b) {
             const int first = Block(b, columns).first;
             const std::ptrdiff_t start = static_cast<std::ptrdiff_t>(r) * stride + first;
             const Bytes threshold = Bytes::load(thresholds + first);
+            prefetchBelow(image + start, stride, rowsHere, rowsBelow);
             if (!anyAbove(maxOfRows(image + start, stride, rowsHere), threshold)) continue;
 
             std::ptrdiff_t i = start;

@@ -12,12 +12,18 @@ inline void copyWithMaxima(const Byte* image, int width, int height, Byte* out, 
     const int blocks = blocksOf(width);
     for (int b = 0; b < blocks; ++b) Bytes::fill(0).store(maxima + Block(b, width).first);
 
-    for (int r = 0; r < height; ++r, image += width, out += width) {
+    for (int r = 0; r < height; r += kBandRows) {
+        const int rows = rowsOfBand(r, height);
         for (int b = 0; b < blocks; ++b) {
             const int first = Block(b, width).first;
-            const Bytes pixels = Bytes::load(image + first);
-            pixels.store(out + first);
-            max(pixels, Bytes::load(maxima + first)).store(maxima + first);
+            Bytes largest = Bytes::load(maxima + first);
+            std::ptrdiff_t i = static_cast<std::ptrdiff_t>(r) * width + first;
+            for (int row = 0; row < rows; ++row, i += width) {
+                const Bytes pixels = Bytes::load(image + i);
+                pixels.store(out + i);
+                largest = max(largest, pixels);
+            }
+            largest.store(maxima + first);
         }
     }
 }

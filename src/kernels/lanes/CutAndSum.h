@@ -1,7 +1,8 @@
-// Cuts an image at a threshold and adds up what remains, column by column. A block without a remaining pixel is only
-// cleared. Elsewhere the lanes are columns and the rows come in order, so each column's sum of rounded moments is the
-// plain one; a row and a grey value are exact in single precision, so their product is rounded once, as the integer
-// product is when it is converted.
+// Cuts an image at a threshold and adds up what remains, column by column. The image is swept row by row, as it lies in
+// memory: it is written back whole, and a sweep of eight rows at once takes nearly half as long again. A lane without a
+// remaining pixel is only cleared. Elsewhere lanes are columns and the rows come in order, so each column's sum of
+// rounded moments is the plain one; a row and a grey value are exact in single precision, so their product is rounded
+// once, as the integer product is when it is converted.
 
 #ifndef KORVANE_KERNELS_LANES_CUTANDSUM_H
 #define KORVANE_KERNELS_LANES_CUTANDSUM_H
@@ -10,54 +11,52 @@
 
 namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
-// Cuts a block of a band and adds its columns begin .. 63 to the totals.
-inline void cutAndSumBlock(Byte* pixels, int width, int firstRow, int rows, const Bytes& least, int begin,
-                           std::uint32_t* sums, float* moments) {
-    // Arrays of its own, which no pixel can alias.
-    std::uint16_t sum[kLane] = {};
-    float moment[kLane] = {};
-    for (int i = begin; i < kLane; ++i) moment[i] = moments[i];
-    for (int r = firstRow; r < firstRow + rows; ++r, pixels += width) {
-        const Bytes cut = keepAtLeast(Bytes::load(pixels), least);
-        cut.store(pixels);
-        Byte grey[kLane];
-        cut.store(grey);
-        const float row = static_cast<float>(r);
-        for (int i = 0; i < kLane; ++i) {
-            sum[i] = static_cast<std::uint16_t>(sum[i] + grey[i]);
-            moment[i] += row * static_cast<float>(grey[i]);
-        }
+// Adds the pixels begin .. 63 of a lane of a row to the totals of its columns.
+inline void addPixels(const Bytes& pixels, int begin, float row, std::uint32_t* sums, float* moments) {
+    Byte grey[kLane];
+    pixels.store(grey);
+    for (int i = 0; i < begin; ++i) grey[i] = 0;  // which leaves sums and moments as they are
+
+    // Arrays of its own, which nothing else can alias.
+    std::uint32_t sum[kLane];
+    float moment[kLane];
+    for (int i = 0; i < kLane; ++i) {
+        sum[i] = sums[i] + grey[i];
+        moment[i] = moments[i] + row * static_cast<float>(grey[i]);
     }
-    for (int i = begin; i < kLane; ++i) {
-        sums[i] += sum[i];
+    for (int i = 0; i < kLane; ++i) {
+        sums[i] = sum[i];
         moments[i] = moment[i];
     }
+}
+
+struct Cut {
+    Bytes least;    // that remains
+    Bytes largest;  // that does not
+};
+
+// Cuts a lane of a row and adds its pixels begin .. 63.
+inline void cutAndAdd(Byte* pixels, const Cut& cut, int begin, int row, std::uint32_t* sums, float* moments) {
+    const Bytes whole = Bytes::load(pixels);
+    if (!anyAboveEqual(whole, cut.largest)) return Bytes::fill(0).store(pixels);
+    const Bytes rest = keepAtLeast(whole, cut.least);
+    rest.store(pixels);
+    addPixels(rest, begin, static_cast<float>(row), sums, moments);
 }
 
 inline void cutAndSum(Byte* image, int width, int height, int threshold, std::uint32_t* sums, float* moments) {
     constexpr int kExactRows = 1 << 24;
     if (width < kLane || height > kExactRows || threshold > 255)
         return plain::cutAndSum(image, width, height, threshold, sums, moments);
-    const int blocks = blocksOf(width);
     // A pixel of 0 counts for nothing, whatever the threshold.
     const Byte leastGrey = static_cast<Byte>(threshold < 1 ? 1 : threshold);
-    const Bytes least = Bytes::fill(leastGrey);
-    const Bytes largestCut = Bytes::fill(static_cast<Byte>(leastGrey - 1));
-    const Bytes black = Bytes::fill(0);
+    const Cut cut = {Bytes::fill(leastGrey), Bytes::fill(static_cast<Byte>(leastGrey - 1))};
 
-    for (int r = 0; r < height; r += kBandRows) {
-        const int rows = rowsOfBand(r, height);
-        Byte* band = image + static_cast<std::ptrdiff_t>(r) * width;
-        for (int b = 0; b < blocks; ++b) {
-            const Block block(b, width);
-            Byte* pixels = band + block.first;
-            if (!anyAbove(maxOfRows(pixels, width, rows), largestCut)) {
-                for (int i = 0; i < rows; ++i) black.store(pixels + static_cast<std::ptrdiff_t>(i) * width);
-                continue;
-            }
-            cutAndSumBlock(pixels, width, r, rows, least, lowestBit(block.owned), sums + block.first,
-                           moments + block.first);
-        }
+    const Block last(blocksOf(width) - 1, width);
+    for (int r = 0; r < height; ++r, image += width) {
+        for (int c = 0; c + kLane <= width; c += kLane) cutAndAdd(image + c, cut, 0, r, sums + c, moments + c);
+        if (last.first % kLane != 0)
+            cutAndAdd(image + last.first, cut, lowestBit(last.owned), r, sums + last.first, moments + last.first);
     }
 }
 

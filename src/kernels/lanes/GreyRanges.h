@@ -13,10 +13,12 @@ inline void widenRanges(const Byte* image, int stride, int columns, int rows, By
 
     for (int r = 0; r < rows; r += kBandRows) {
         const int rowsHere = rowsOfBand(r, rows);
+        const int rowsBelow = rowsOfBand(r + rowsHere, rows);
         const Byte* band = image + static_cast<std::ptrdiff_t>(r) * stride;
         for (int b = 0; b < blocks; ++b) {
             const int first = Block(b, columns).first;
             const Byte* pixels = band + first;
+            prefetchBelow(pixels, stride, rowsHere, rowsBelow);
             Bytes low = Bytes::load(smallest + first);
             Bytes high = Bytes::load(largest + first);
             for (int row = 0; row < rowsHere; ++row, pixels += stride) {

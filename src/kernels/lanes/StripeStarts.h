@@ -39,7 +39,9 @@ inline OpenColumns openColumns(int first, int firstColumn, int endColumn, const 
 }
 
 // Searches a band; `band` points to the lane's first pixel.
-inline Mask searchBand(const Byte* band, int width, int firstRow, int rows, const OpenColumns& columns, int* starts) {
+inline Mask searchBand(const Byte* band, int width, int firstRow, int endRow, const OpenColumns& columns, int* starts) {
+    const int rows = rowsOfBand(firstRow, endRow);
+    prefetchBelow(band, width, rows, rowsOfBand(firstRow + rows, endRow));
     Mask open = columns.open;
     if ((atLeast(maxOfRows(band, width, rows), columns.least) & open) == 0) return open;
     for (int r = 0; r < rows; ++r, band += width) {
@@ -74,12 +76,11 @@ inline void findStripeStarts(const Byte* image, int width, int firstColumn, int 
         }
         Mask anyOpen = 1;
         for (int r = firstRow; r < endRow && anyOpen != 0; r += kBandRows) {
-            const int rows = rowsOfBand(r, endRow);
             const Byte* row = image + static_cast<std::ptrdiff_t>(r) * width;
             anyOpen = 0;
             for (int l = 0; l < count; ++l) {
                 if (lanes[l].open != 0)
-                    lanes[l].open = searchBand(row + firsts[l], width, r, rows, lanes[l], starts + firsts[l]);
+                    lanes[l].open = searchBand(row + firsts[l], width, r, endRow, lanes[l], starts + firsts[l]);
                 anyOpen |= lanes[l].open;
             }
         }

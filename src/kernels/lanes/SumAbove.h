@@ -34,11 +34,13 @@ inline void sumAbove(const Byte* image, int width, int height, Byte level, Colum
 
     for (int r = 0; r < height; r += kBandRows) {
         const int rows = rowsOfBand(r, height);
+        const int rowsBelow = rowsOfBand(r + rows, height);
         const Byte* band = image + static_cast<std::ptrdiff_t>(r) * width;
         for (int b = 0; b < blocks; ++b) {
             const Block block(b, width);
             const Byte* pixels = band + block.first;
-            if (!anyAbove(maxOfRows(pixels, width, rows), levels)) continue;
+            prefetchBelow(pixels, width, rows, rowsBelow);
+            if (!anyAboveEqual(maxOfRows(pixels, width, rows), levels)) continue;
             addBand(pixels, width, rows, levels, level, lowestBit(block.owned), sums + block.first);
         }
     }

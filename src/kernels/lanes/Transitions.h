@@ -9,11 +9,14 @@
 
 namespace KORVANELASERALGO::kernels::KORVANE_KERNEL_SET {
 
-inline std::size_t findTransitions(const Byte* image, int width, int firstRow, int endRow, const Byte* thresholds,
+inline std::size_t findTransitions(const Byte* image, int width, int height, int firstRow, const Byte* thresholds,
                                    const Byte* active, std::uint64_t* state, Transition* transitions) {
     if (width < kLane)
-        return plain::findTransitions(image, width, firstRow, endRow, thresholds, active, state, transitions);
-    const int rows = endRow - firstRow;
+        return plain::findTransitions(image, width, height, firstRow, thresholds, active, state, transitions);
+    const int rows = rowsOfBand(firstRow, height);
+    const int endRow = firstRow + rows;
+    // Where the caller knows what is active, the image was looked at just before.
+    const int rowsBelow = active == nullptr ? rowsOfBand(endRow, height) : 0;
     const Byte* band = image + static_cast<std::ptrdiff_t>(firstRow) * width;
     const int blocks = blocksOf(width);
     Transition* next = transitions;
@@ -24,6 +27,7 @@ inline std::size_t findTransitions(const Byte* image, int width, int firstRow, i
         if (active != nullptr && active[b] == 0 && brightAbove == 0) continue;
 
         const Byte* pixels = band + block.first;
+        prefetchBelow(pixels, width, rows, rowsBelow);
         const Bytes threshold = Bytes::load(thresholds + block.first);
         if (brightAbove == 0) {
             if (!anyAbove(maxOfRows(pixels, width, rows), threshold)) continue;

@@ -3,9 +3,10 @@
 namespace KORVANELASERALGO::kernels::plain {
 
 // Looks at the row above instead of keeping a state.
-std::size_t findTransitions(const unsigned char* image, int width, int firstRow, int endRow,
+std::size_t findTransitions(const unsigned char* image, int width, int height, int firstRow,
                             const unsigned char* thresholds, const unsigned char*, std::uint64_t*,
                             Transition* transitions) {
+    const int endRow = firstRow + rowsOfBand(firstRow, height);
     std::size_t count = 0;
     for (int r = firstRow; r < endRow; ++r) {
         const unsigned char* row = image + static_cast<std::ptrdiff_t>(r) * width;

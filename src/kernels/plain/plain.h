@@ -9,7 +9,7 @@ namespace KORVANELASERALGO::kernels::plain {
 
 void findColumnMaxima(const unsigned char* image, int width, int height, unsigned char floor, unsigned char* maxima,
                       unsigned char* active);
-std::size_t findTransitions(const unsigned char* image, int width, int firstRow, int endRow,
+std::size_t findTransitions(const unsigned char* image, int width, int height, int firstRow,
                             const unsigned char* thresholds, const unsigned char* active, std::uint64_t* state,
                             Transition* transitions);
 void sumAbove(const unsigned char* image, int width, int height, unsigned char level, ColumnSum* sums);
