@@ -4,26 +4,24 @@
 #define KORVANE_EXTRACT_VOTEBOUNDS_H
 
 #include <algorithm>
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <vector>
 
 #include "extract/FindLineSegments.h"
+#include "kernels/kernels.h"
 
 namespace KORVANELASERALGO::extract {
 
 /// Tells for most angles that none of their cells can have the votes of a peak, without counting the votes. Points that
 /// lie close together share a box; a box casts all of its votes for every bucket of cells that one of them may meet.
-/// The steps of a distance never turn the order of two numbers round, so the distances of a box lie between those of
-/// two opposite corners.
 class VoteBounds {
 public:
-    /// @param points the voting points by column, then row
+    /// @param points the voting points by column, then row; at least one
     /// @param distances number of cells of an angle, the middle one at distance 0
     VoteBounds(std::span<const VotePoint> points, int distances)
-        : middle_((distances - 1) / 2), buckets_(static_cast<std::size_t>(distances / kCellsOfBucket) + 2) {
+        : middle_((distances - 1) / 2), changes_(static_cast<std::size_t>(distances / kernels::kBucketDistances) + 3) {
         std::size_t firstOfStrip = 0;  // boxes from here on share their columns
         for (const VotePoint& point : points) {
             const std::size_t boxes = votes_.size();
@@ -32,45 +30,24 @@ public:
         }
         pays_ = points.size() >= kLeastPointsOfBox * votes_.size();
 
-        // What follows the last box to a full lane has no votes.
+        // What follows the last box to a full lane is the same without votes.
+        constexpr std::size_t kLane = kernels::kBoxPoints;
         const std::size_t lanes = (votes_.size() + kLane - 1) / kLane * kLane;
-        for (auto* list : {&left_, &right_, &top_, &bottom_}) list->resize(lanes);
+        for (auto* list : {&left_, &right_, &top_, &bottom_}) list->resize(lanes, list->back());
         votes_.resize(lanes);
     }
 
     /// False where none of the angle's cells, trunc(x * cosine + y * sine + 0.5), can have this many votes.
     bool mayReach(std::int32_t votes, float cosine, float sine) {
         if (!pays_) return true;
-        const float* nearX = (cosine < 0.0f ? right_ : left_).data();
-        const float* farX = (cosine < 0.0f ? left_ : right_).data();
-        const float* nearY = (sine < 0.0f ? bottom_ : top_).data();
-        const float* farY = (sine < 0.0f ? top_ : bottom_).data();
-        const auto bucketOf = [&](float x, float y) {
-            return (middle_ + static_cast<std::int32_t>(x * cosine + y * sine + 0.5f)) / kCellsOfBucket;
-        };
-
-        std::fill(buckets_.begin(), buckets_.end(), 0);
-        for (std::size_t first = 0; first < votes_.size(); first += kLane) {
-            std::array<std::int32_t, kLane> from;
-            std::array<std::int32_t, kLane> to;
-            for (std::size_t i = 0; i < kLane; ++i) {
-                from[i] = bucketOf(nearX[first + i], nearY[first + i]);
-                to[i] = bucketOf(farX[first + i], farY[first + i]);
-            }
-            for (std::size_t i = 0; i < kLane; ++i) {
-                for (std::int32_t bucket = from[i]; bucket <= to[i]; ++bucket) {
-                    if ((buckets_[static_cast<std::size_t>(bucket)] += votes_[first + i]) >= votes) return true;
-                }
-            }
-        }
-        return false;
+        const kernels::VoteBoxes boxes = {left_.data(),   right_.data(), top_.data(),
+                                          bottom_.data(), votes_.data(), votes_.size()};
+        return kernels::active().boundVotes(boxes, cosine, sine, middle_, changes_.data()) >= votes;
     }
 
 private:
-    static constexpr int kCellsOfBucket = 4;
     static constexpr float kBoxSide = 16.0f;             // pixels; a box is less wide and high
     static constexpr std::size_t kOpenBoxes = 8;         // so many of the last boxes may take a point
-    static constexpr std::size_t kLane = 16;             // boxes looked at together
     static constexpr std::size_t kLeastPointsOfBox = 4;  // on average; else counting the votes costs less
 
     // Into the first box from `open` on that stays small enough, or into a new one.
@@ -90,8 +67,8 @@ private:
         ++votes_[box];
     }
 
-    int middle_;  // index of distance 0
-    std::vector<std::int32_t> buckets_;
+    int middle_;                                      // index of distance 0
+    std::vector<std::int32_t> changes_;               // of the votes from a bucket to the next; 0 between calls
     std::vector<float> left_, right_, top_, bottom_;  // of the boxes, pixels
     std::vector<std::int32_t> votes_;                 // likewise
     bool pays_;                                       // else every angle may reach any number

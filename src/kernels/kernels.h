@@ -62,6 +62,18 @@ inline constexpr int kNoStripe = -1;
 /// a counter must be written before it can be read again.
 inline constexpr int kVoteRows = 4;
 
+/// Neighbouring distances that are bounded together.
+inline constexpr int kBucketDistances = 4;
+/// Boxes around voting points; in number a multiple of kBoxPoints, those behind the last with no votes.
+struct VoteBoxes {
+    const float* left;
+    const float* right;
+    const float* top;
+    const float* bottom;
+    const std::int32_t* votes;
+    std::size_t boxes;
+};
+
 /// Points with boxes around every kBoxPoints of them.
 inline constexpr int kBoxPoints = 16;
 struct BoxedPoints {
@@ -203,6 +215,13 @@ struct KernelSet {
     /// Adds up `count` counters of the rows and sets them to 0.
     /// @return the largest sum, at least 0
     std::int32_t (*sumVotes)(std::int32_t* votes, std::ptrdiff_t stride, std::ptrdiff_t count, std::int32_t* sums);
+
+    /// The most votes that a bucket of kBucketDistances distances can have: those of all boxes with a distance in it.
+    /// @param middle index of distance 0 among all distances; buckets begin at index 0
+    /// @param changes of the sum of votes from a bucket to the next; 0, and 0 again on return; one bucket more than
+    /// boxes lie in
+    std::int32_t (*boundVotes)(const VoteBoxes& boxes, float cosine, float sine, std::int32_t middle,
+                               std::int32_t* changes);
 
     /// Lists the points with |x * cosine + y * sine - distance| < tolerance.
     /// @param slack bounds the rounding errors of all such distances, and the same for boxes

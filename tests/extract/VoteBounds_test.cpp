@@ -52,11 +52,6 @@ TEST(VoteBounds, RuleOutAnAngleAcrossTheLine) {
     }
 }
 
-TEST(VoteBounds, OfNoPointsReachNothing) {
-    VoteBounds bounds({}, kDistances);
-    EXPECT_FALSE(bounds.mayReach(1, 1.0f, 0.0f));
-}
-
 // Points that fill their boxes so sparsely that a bound would cost more than the votes: every angle has to be counted.
 TEST(VoteBounds, DoNotTellForScatteredPoints) {
     std::vector<VotePoint> points;

@@ -283,6 +283,13 @@ std::int32_t sumVotes(std::int32_t* votes, std::ptrdiff_t stride, std::ptrdiff_t
     return largest;
 }
 
+std::int32_t boundVotes(const VoteBoxes& boxes, float cosine, float sine, std::int32_t middle, std::int32_t* changes) {
+    const std::int32_t most = chosen().boundVotes(boxes, cosine, sine, middle, changes);
+    // The pass leaves zeros, which are what the twin needs.
+    require(most == plain::boundVotes(boxes, cosine, sine, middle, changes), "boundVotes");
+    return most;
+}
+
 std::size_t findNearLine(const BoxedPoints& points, float cosine, float sine, float distance, float tolerance,
                          float slack, std::size_t* indices) {
     std::vector<std::size_t> twin(points.boxes * kBoxPoints);
@@ -392,6 +399,7 @@ const KernelSet kTable = {
     .countMarks = countMarks,
     .castVotes = castVotes,
     .sumVotes = sumVotes,
+    .boundVotes = boundVotes,
     .findNearLine = findNearLine,
     .undistort = undistort,
     .meetPlane = meetPlane,

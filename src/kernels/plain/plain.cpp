@@ -19,6 +19,7 @@ const KernelSet kTable = {
     .countMarks = countMarks,
     .castVotes = castVotes,
     .sumVotes = sumVotes,
+    .boundVotes = boundVotes,
     .findNearLine = findNearLine,
     .undistort = undistort,
     .meetPlane = meetPlane,

@@ -30,6 +30,7 @@ std::uint64_t countMarks(const std::uint64_t* marks, int width, int height, std:
 void castVotes(const float* x, const float* y, std::size_t count, float cosine, float sine, std::int32_t* votes,
                std::ptrdiff_t stride);
 std::int32_t sumVotes(std::int32_t* votes, std::ptrdiff_t stride, std::ptrdiff_t count, std::int32_t* sums);
+std::int32_t boundVotes(const VoteBoxes& boxes, float cosine, float sine, std::int32_t middle, std::int32_t* changes);
 std::size_t findNearLine(const BoxedPoints& points, float cosine, float sine, float distance, float tolerance,
                          float slack, std::size_t* indices);
 void undistort(const Pinhole& camera, const LensDistortion& lens, double* points, std::size_t count);
