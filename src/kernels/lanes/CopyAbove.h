@@ -25,6 +25,7 @@ inline void copyAbove(const Byte* image, int stride, int columns, int rows, cons
             std::ptrdiff_t i = start;
             for (int row = 0; row < rowsHere; ++row, i += stride) {
                 const Bytes pixels = Bytes::load(image + i);
+                if (!anyAbove(pixels, threshold)) continue;
                 pixels.storeAbove(out + i, threshold);
                 if (labels == nullptr) continue;
                 for (Mask rest = above(pixels, threshold); rest != 0; rest &= rest - 1) labels[i + lowestBit(rest)] = 1;
