@@ -32,8 +32,9 @@ struct LinearSystem {
     std::vector<double> b;
 };
 
-// The library's function on the exponent. It gives 1 and x for the exponents 0 and 1, whatever x is: its error before
-// the last rounding is far below half a unit, so what needs no rounding comes out as it is.
+// The library's function on the exponent. It gives 1 and x for the exponents 0 and 1: its error before the last
+// rounding is far below half a unit, so what needs no rounding comes out as it is. Only of a signalling not-a-number
+// some libraries give no 1.
 double powerOf(double x, std::size_t exponent) {
     if (exponent == 0) return 1.0;
     if (exponent == 1) return x;

@@ -39,6 +39,23 @@ Matrix vectorOf(double x, double y, double z) {
     return matrixOf({{x}, {y}, {z}});
 }
 
+/// 1, 2, 3, ... row by row.
+Rows countedRows(std::size_t rowCount, std::size_t colCount) {
+    Rows rows(rowCount, std::vector<double>(colCount));
+    double next = 1.0;
+    for (std::vector<double>& row : rows) {
+        for (double& element : row) element = next++;
+    }
+    return rows;
+}
+
+/// Whether the elements lie in the matrix itself, and not in a block of memory.
+bool holdsItsElements(const Matrix& matrix) {
+    const std::uintptr_t element = reinterpret_cast<std::uintptr_t>(matrix.data[0]);
+    return element >= reinterpret_cast<std::uintptr_t>(&matrix) &&
+           element < reinterpret_cast<std::uintptr_t>(&matrix + 1);
+}
+
 // ---- Construction
 
 TEST(Matrix, NewMatrixIsZero) {
@@ -77,6 +94,15 @@ TEST(Matrix, MatrixWithoutRowsOrColumnsHasNullDataAndNormZero) {
     EXPECT_SAME_BITS(withoutColumns.norm(), 0.0);
 
     EXPECT_EQ(Matrix(0, 0).data, nullptr);
+    EXPECT_EQ(Matrix(0, 2).data, nullptr);
+    EXPECT_EQ(Matrix(2, 0).data, nullptr);
+}
+
+TEST(Matrix, MatrixOfUpToThreeRowsAndColumnsHoldsItsElementsItself) {
+    for (std::int32_t rows = 1; rows <= 5; ++rows) {
+        for (std::int32_t cols = 1; cols <= 5; ++cols)
+            EXPECT_EQ(holdsItsElements(Matrix(rows, cols)), rows <= 3 && cols <= 3) << rows << " x " << cols;
+    }
 }
 
 TEST(Matrix, ConstructedCopyHasItsOwnElements) {
@@ -92,6 +118,17 @@ TEST(Matrix, ConstructedCopyOfAnEmptyMatrixIsEmpty) {
     EXPECT_EQ(copy.data, nullptr);
     EXPECT_EQ(copy.rows, 0);
     EXPECT_EQ(copy.cols, 5);
+}
+
+TEST(Matrix, CopyOfAnySizeHasAllElements) {
+    for (std::size_t rows = 1; rows <= 5; ++rows) {
+        for (std::size_t cols = 1; cols <= 5; ++cols) {
+            const Rows counted = countedRows(rows, cols);
+            const Matrix source = matrixOf(counted);
+            const Matrix copy(source);
+            EXPECT_EQ(rowsOf(copy), counted) << rows << " x " << cols;
+        }
+    }
 }
 
 TEST(Matrix, MovedMatrixHandsItsElementsOver) {
@@ -273,6 +310,28 @@ TEST(Matrix, ScalarMultipliesEveryElement) {
     const Matrix matrix = matrixOf({{1, -2, 3}, {4, 5, 0.1}});
     EXPECT_EQ(rowsOf(matrix * 3.0), (Rows{{3, -6, 9}, {12, 15, 0.1 * 3.0}}));
     EXPECT_EQ(rowsOf(matrix), (Rows{{1, -2, 3}, {4, 5, 0.1}}));
+}
+
+/// A place for a matrix, with a number right behind it.
+struct Place {
+    alignas(Matrix) unsigned char matrix[sizeof(Matrix)];
+    double behind;
+};
+
+TEST(Matrix, ScalarMultipliesAndDividesNothingBehindTheElements) {
+    const Rows full = countedRows(3, 3);
+    Place given, received;
+    Matrix* const source = new (given.matrix) Matrix(matrixOf(full));
+    given.behind = 5.0;
+
+    received.behind = 7.0;
+    (new (received.matrix) Matrix(*source * 2.0))->~Matrix();
+    EXPECT_EQ(received.behind, 7.0);
+    (new (received.matrix) Matrix(*source / 2.0))->~Matrix();
+    EXPECT_EQ(received.behind, 7.0);
+
+    source->~Matrix();
+    EXPECT_EQ(given.behind, 5.0);
 }
 
 // ---- Division by a scalar
