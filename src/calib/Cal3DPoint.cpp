@@ -31,12 +31,8 @@ kernels::LightSheet lightSheetOf(const AlgoContext& context) {
 using Meet = decltype(kernels::KernelSet::meetPlane);
 
 void convert(const AlgoContext& context, const bool* mask, const Points2d& points2d, Profile& points3d, Meet meet) {
-    // Every point is written below, so those of a profile of the same size need not be cleared.
     const std::size_t columns = static_cast<std::size_t>(columnsOf(context.roi));
-    if (points3d.size() != columns) {
-        points3d.clear();
-        points3d.resize(columns);
-    }
+    points3d.resize(columns);  // every point is written below
 
     const std::size_t given = std::min(columns, points2d.size());
     if (given > 0) meet(lightSheetOf(context), mask, &points2d.front().x, given, &points3d.front().x);

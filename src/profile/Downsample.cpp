@@ -73,16 +73,15 @@ std::vector<BucketMean> fillBuckets(const Profile& points, const std::int32_t* n
     return buckets;
 }
 
-// Numbers the buckets first .. last that hold a point without gaps, from 0 on; a profile may span billions of empty
-// ones. Points in none of them get a number below 0.
-// @return how many hold a point
+// Gives each of the buckets first .. last that hold a point a new number: how many points lie in those before it. A
+// profile may span billions of empty ones. Points in none of them get a number below 0.
+// @return how many points lie in all of them
 std::int64_t renumber(const Profile& points, std::int32_t* numbers, std::int32_t first, std::int32_t last) {
     std::vector<std::int32_t> occupied;
     for (std::size_t i = 0; i < points.size(); ++i) {
         if (isValid(points[i]) && numbers[i] >= first && numbers[i] <= last) occupied.push_back(numbers[i]);
     }
     std::sort(occupied.begin(), occupied.end());
-    occupied.erase(std::unique(occupied.begin(), occupied.end()), occupied.end());
     for (std::size_t i = 0; i < points.size(); ++i) {
         const auto place = std::lower_bound(occupied.begin(), occupied.end(), numbers[i]);
         const bool found = place != occupied.end() && *place == numbers[i];

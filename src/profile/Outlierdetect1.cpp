@@ -20,8 +20,7 @@ constexpr double kDirectionBound = 0x1.333333p-2;
 }  // namespace
 
 void Outlierdetect1(Profile& profile, int halfWidth, float threshold) {
-    const std::int64_t windowSize = 2 * std::int64_t{halfWidth} + 1;
-    if (halfWidth < 0 || windowSize > INT32_MAX) return;
+    if (halfWidth < 0) return;
     const std::size_t w = static_cast<std::size_t>(halfWidth);
     const std::size_t points = profile.size();
     if (points < 2 * w + 1) return;

@@ -34,13 +34,10 @@ void Outlierdetect2(Profile& profile, int halfWidth, float threshold) {
         // A run that is long enough loses no further member: on to the first point that does not follow at once.
         if (size >= halfWidth && isValid(profile[i - 1])) {
             const std::size_t followers = kernels::active().countFollowers(&profile[i].x, profile.size() - i, limit);
-            if (followers > 0) {
-                size += static_cast<std::int64_t>(followers);
-                i += followers;
-                last = profile[i - 1];
-                firstWaits = false;
-                if (i == profile.size()) break;
-            }
+            size += static_cast<std::int64_t>(followers);
+            i += followers;
+            last = profile[i - 1];
+            if (i == profile.size()) break;
         }
 
         const tagKorvaneLaserPoint3d point = profile[i];

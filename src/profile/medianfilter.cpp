@@ -33,8 +33,6 @@ double heightOf(std::int32_t key) {
 
 class SortedWindow {
 public:
-    explicit SortedWindow(std::size_t capacity) { keys_.reserve(capacity); }
-
     void insert(std::int32_t key) { keys_.insert(std::lower_bound(keys_.begin(), keys_.end(), key), key); }
     void erase(std::int32_t key) { keys_.erase(std::lower_bound(keys_.begin(), keys_.end(), key)); }
 
@@ -60,7 +58,7 @@ private:
 
 // Large windows, and any height: slides one sorted window along the list.
 void slideSortedWindow(HeightList& heights, std::size_t r) {
-    SortedWindow window(2 * r + 1);
+    SortedWindow window;
     for (std::size_t n = 0; n < r; ++n) window.insert(keyOf(heights.begin()[n]));
     for (std::size_t j = 0; j < heights.size(); ++j) {
         const bool enters = j + r < heights.size();
@@ -80,8 +78,7 @@ void slideSortedWindow(HeightList& heights, std::size_t r) {
 }  // namespace
 
 void medianfilter(Profile& profile, int halfWindow) {
-    const std::int64_t windowSize = 2 * std::int64_t{halfWindow} + 1;
-    if (halfWindow < 0 || windowSize > INT32_MAX) return;
+    if (halfWindow < 0) return;
     const std::size_t r = static_cast<std::size_t>(halfWindow);
     if (profile.size() < 2 * r + 1) return;
     HeightList heights(profile, r + 1);
