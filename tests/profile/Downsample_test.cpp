@@ -356,6 +356,20 @@ TEST(Downsample, TinyNegativeStepOnAProfileTowardsSmallerXKeepsEveryPoint) {
     expectThinned(in, -1e-8F, in);
 }
 
+TEST(Downsample, TinyNegativeStepKeepsAFirstPointThatNoEmptyOnePrecedes) {
+    const Profile in = profileAt({20, 19, 18, 17, 16, 15, 14, 13, 12, 11, 10});
+    const Result result = thinned(in, -1e-8F);
+    EXPECT_TRUE(sameBits(result.out, in));
+    EXPECT_EQ(result.count, 11);
+}
+
+TEST(Downsample, TinyNegativeStepAveragesPointsThatShareABucket) {
+    const Profile in = profileAt({20, 20, 19, 18, 18, 18, 17, 16, 15, 14, 10, 10});
+    expectThinned(
+        in, -1e-8F,
+        {mean(part(in, 0, 2)), in[2], mean(part(in, 3, 3)), in[6], in[7], in[8], in[9], mean(part(in, 10, 2))});
+}
+
 TEST(Downsample, TinyNegativeStepDropsPointsOutsideTheBucketsOfFirstAndLast) {
     // Buckets -2e9 to -1e9; 5 has -5e8 and 21.4 has -2.14e9.
     Profile in = profileAt({20, 19, 18, 5, 17, 16, 21.4, 15, 14, 13, 12, 11, 10});
