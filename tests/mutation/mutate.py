@@ -1,12 +1,14 @@
 #!/usr/bin/env python3
 """Changes the library one operator, constant, jump or statement at a time and looks whether a test notices.
 
-    mutate.py [--file PATH ...] [--sample N] [--seed S] [--again] [--explained] [--list]
+    mutate.py [--file PATH ...] [--sample N] [--seed S] [--resume] [--again] [--explained] [--list]
 
 Works on a copy of the sources in build/mutants and leaves the tree alone. Each change is compiled alone, linked into the
 test programs of its room, and run: the unit tests first, then random cases, library against twin. A change that no test
 notices has survived; the exit status is 1 where there is one that equivalent.txt does not explain. What it explains is
-counted, and run only with --explained: the reader of the explanation is its judge, and a survivor costs most.
+counted, and run only with --explained: the reader of the explanation is its judge, and a survivor costs most. Outcomes
+are recorded as they come, so that --resume goes on where a run has ended: it runs what is not recorded, what survived,
+and all of a file that has changed.
 """
 
 import argparse
@@ -32,6 +34,7 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 BUILD = ROOT / "build/mutants"
 TREE = BUILD / "tree"  # the copy that everything is built from
 OBJECTS = BUILD / "objects"
+RECORD = BUILD / "outcomes.txt"
 LAST_SURVIVORS = BUILD / "survivors.txt"
 EXPLAINED = ROOT / "tests/mutation/equivalent.txt"
 COPIED = ("CMakeLists.txt", "cmake", "include", "src", "scenes", "tests")
@@ -471,6 +474,19 @@ def read_changes(path):
     return changes
 
 
+def record_key(mutant):
+    digest = hashlib.sha256((TREE / mutant.file).read_bytes()).hexdigest()
+    change = mutant.mutation
+    return f"{mutant.file} {digest[:16]} {change.start} {change.end} {change.replacement!r}"
+
+
+def read_record():
+    """Mutant -> outcome, of earlier runs."""
+    if not RECORD.exists():
+        return {}
+    return dict(line.split("\t") for line in RECORD.read_text(encoding="utf-8").splitlines())
+
+
 def measure_time_limits(recipes):
     """Runs every test on the unchanged library: it must pass, and its time sets the limit."""
     limits = {}
@@ -504,6 +520,7 @@ def main():
     parser.add_argument("--file", action="append", help="only this file or folder below src; may be repeated")
     parser.add_argument("--sample", type=int, help="run this many mutants, drawn at random")
     parser.add_argument("--seed", type=int, default=1, help="of the sample, default 1")
+    parser.add_argument("--resume", action="store_true", help="run what earlier runs have not killed")
     parser.add_argument("--again", action="store_true", help="run only what survived the last run")
     parser.add_argument("--explained", action="store_true", help="run what is explained, too")
     parser.add_argument("--list", action="store_true", help="list the mutants and run none")
@@ -540,15 +557,24 @@ def main():
     print(f"{len(mutants)} of {of_all} mutants", flush=True)
 
     passes = Passes()
+    recorded = read_record()
+    if not options.resume:
+        RECORD.unlink(missing_ok=True)
+        recorded = {}
+    record = open(RECORD, "a", encoding="utf-8", buffering=1)
     idle = [Worker(number, recipes, passes, time_limits) for number in range(options.jobs)]
     survived = []
 
     def examine(mutant):
         if key_of(mutant) in explained and not options.explained:
             return EXPLAINED_SURVIVOR
+        key = record_key(mutant)
+        if recorded.get(key, SURVIVED) != SURVIVED:
+            return recorded[key]
         worker = idle.pop()
         outcome = worker.outcome_of(mutant)
         idle.append(worker)
+        print(f"{key}\t{outcome}", file=record)
         if outcome == SURVIVED:
             if key_of(mutant) in explained:
                 return EXPLAINED_SURVIVOR
