@@ -11,15 +11,17 @@
 #include <string>
 #include <vector>
 
-#include "fuzz/CheckedBuffer.h"
 #include "fuzz/Comparison.h"
 #include "fuzz/Frames.h"
 #include "fuzz/FuzzInput.h"
 #include "fuzz/Twins.h"
+#include "support/CheckedBuffer.h"
 
 namespace {
 
 using namespace fuzz;
+using support::BufferRoom;
+using support::Placement;
 
 constexpr std::uint64_t kSeed = 20240229;
 constexpr std::array kPlacements = {Placement::kBetweenGuardBytes, Placement::kAtPageStart, Placement::kAtPageEnd};

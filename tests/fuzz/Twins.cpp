@@ -8,11 +8,12 @@
 #include <string>
 #include <typeinfo>
 
-#include "fuzz/CheckedBuffer.h"
+#include "support/CheckedBuffer.h"
 
 namespace fuzz {
 namespace {
 
+using support::CheckedBuffer;
 using Image = CheckedBuffer<unsigned char>;
 
 /// Type and text of what a call throws; empty where it returns.

@@ -1,4 +1,4 @@
-#include "fuzz/PageMemory.h"
+#include "support/PageMemory.h"
 
 #include <new>
 
@@ -9,7 +9,7 @@
 #include <unistd.h>
 #endif
 
-namespace fuzz {
+namespace support {
 namespace {
 
 #if defined(_WIN32)
@@ -65,4 +65,4 @@ PageMemory::~PageMemory() {
     unmapPages(pages_, size_);
 }
 
-}  // namespace fuzz
+}  // namespace support

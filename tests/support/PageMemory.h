@@ -1,11 +1,11 @@
 // Memory between two inaccessible pages: an access beyond it ends the program, whoever makes it and however wide.
 
-#ifndef KORVANE_TESTS_FUZZ_PAGEMEMORY_H
-#define KORVANE_TESTS_FUZZ_PAGEMEMORY_H
+#ifndef KORVANE_TESTS_SUPPORT_PAGEMEMORY_H
+#define KORVANE_TESTS_SUPPORT_PAGEMEMORY_H
 
 #include <cstddef>
 
-namespace fuzz {
+namespace support {
 
 class PageMemory {
 public:
@@ -25,6 +25,6 @@ private:
     unsigned char* pages_;  // the first of the two
 };
 
-}  // namespace fuzz
+}  // namespace support
 
-#endif  // KORVANE_TESTS_FUZZ_PAGEMEMORY_H
+#endif  // KORVANE_TESTS_SUPPORT_PAGEMEMORY_H

@@ -1,28 +1,28 @@
-// The buffers that the compared methods work on.
+// Buffers between guard bytes or inaccessible pages.
 
-#ifndef KORVANE_TESTS_FUZZ_CHECKEDBUFFER_H
-#define KORVANE_TESTS_FUZZ_CHECKEDBUFFER_H
+#ifndef KORVANE_TESTS_SUPPORT_CHECKEDBUFFER_H
+#define KORVANE_TESTS_SUPPORT_CHECKEDBUFFER_H
 
 #include <algorithm>
 #include <cstddef>
 #include <memory>
 #include <vector>
 
-#include "fuzz/PageMemory.h"
+#include "support/PageMemory.h"
 
 // The address sanitizer sees reads beyond a buffer too, provided that nothing of ours follows there.
 #if defined(__SANITIZE_ADDRESS__)
-#define KORVANE_FUZZ_GUARD_BYTES 0
+#define KORVANE_TESTS_GUARD_BYTES 0
 #elif defined(__has_feature)
 #if __has_feature(address_sanitizer)
-#define KORVANE_FUZZ_GUARD_BYTES 0
+#define KORVANE_TESTS_GUARD_BYTES 0
 #endif
 #endif
-#if !defined(KORVANE_FUZZ_GUARD_BYTES)
-#define KORVANE_FUZZ_GUARD_BYTES 64
+#if !defined(KORVANE_TESTS_GUARD_BYTES)
+#define KORVANE_TESTS_GUARD_BYTES 64
 #endif
 
-namespace fuzz {
+namespace support {
 
 /// Where the elements of a buffer lie.
 enum class Placement {
@@ -57,7 +57,7 @@ public:
     static void place(Placement placement) { placement_ = placement; }
 
 private:
-    static constexpr std::size_t kHeapGuard = KORVANE_FUZZ_GUARD_BYTES;  // keeps the alignment of every element type
+    static constexpr std::size_t kHeapGuard = KORVANE_TESTS_GUARD_BYTES;  // keeps the alignment of every element type
     static constexpr std::size_t kPageGuard = 64;
 
     inline static Placement placement_ = Placement::kBetweenGuardBytes;
@@ -81,6 +81,7 @@ public:
     }
 
     T* data() { return reinterpret_cast<T*>(room_.data()); }
+    std::size_t size() const { return size_; }
 
     template <class Value>
     std::vector<Value> values() {
@@ -105,6 +106,6 @@ private:
     BufferRoom room_;
 };
 
-}  // namespace fuzz
+}  // namespace support
 
-#endif  // KORVANE_TESTS_FUZZ_CHECKEDBUFFER_H
+#endif  // KORVANE_TESTS_SUPPORT_CHECKEDBUFFER_H
