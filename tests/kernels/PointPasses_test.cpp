@@ -1,0 +1,355 @@
+// The passes over lists of points, numbers and votes beside their plain twins, on lists of every small size that lie
+// beside inaccessible pages.
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
+#include <memory>
+#include <vector>
+
+#include "kernels/PassRun.h"
+
+namespace {
+
+using namespace passes;
+
+constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+
+std::vector<double> numbers(Random& random, std::size_t count, int low, int high) {
+    std::vector<double> list(count);
+    for (double& value : list) value = random.number(low, high);
+    return list;
+}
+
+std::vector<float> singles(Random& random, std::size_t count, int low, int high) {
+    const std::vector<double> list = numbers(random, count, low, high);
+    return std::vector<float>(list.begin(), list.end());
+}
+
+// ---- votes ----
+
+TEST(CastVotes, CountsEveryPointAtItsDistance) {
+    expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t count) {
+        constexpr std::ptrdiff_t kFarthest = 100;
+        constexpr std::ptrdiff_t kStride = 2 * kFarthest + 1;
+        Buffer<float> x(singles(random, count, 0, 70));
+        Buffer<float> y(singles(random, count, 0, 70));
+        const double angle = random.number(0, 3);
+        Buffer<std::int32_t> votes(std::vector<std::int32_t>(kVoteRows * kStride, 0));
+        set.castVotes(x.data(), y.data(), count, static_cast<float>(std::cos(angle)),
+                      static_cast<float>(std::sin(angle)), votes.data() + kFarthest, kStride);
+        EXPECT_TRUE(votes.guardsIntact());
+        Results results;
+        for (std::ptrdiff_t i = 0; i < kStride; ++i) {
+            std::int32_t sum = 0;
+            for (int row = 0; row < kVoteRows; ++row) sum += votes.data()[row * kStride + i];
+            results.add(sum);
+        }
+        return results;
+    });
+}
+
+TEST(SumVotes, AddsUpTheRowsAndClearsWhatItAdded) {
+    expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t count) {
+        const std::size_t stride = count + sizeOf(random.below(9));
+        std::vector<std::int32_t> counters((kVoteRows - 1) * stride + count);
+        for (std::int32_t& counter : counters) counter = random.below(50);
+        Buffer<std::int32_t> votes(counters);
+        Buffer<std::int32_t> sums(std::vector<std::int32_t>(count, -3));
+        Results results;
+        results.add(set.sumVotes(votes.data(), static_cast<std::ptrdiff_t>(stride), static_cast<std::ptrdiff_t>(count),
+                                 sums.data()));
+        results.add(votes);
+        results.add(sums);
+        return results;
+    });
+}
+
+TEST(BoundVotes, GivesWhatItsTwinGives) {
+    expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t count) {
+        constexpr std::int32_t kMiddle = 300;
+        const std::size_t boxes = (count / kBoxPoints + 1) * kBoxPoints;
+        const std::vector<float> left = singles(random, boxes, 0, 100);
+        const std::vector<float> top = singles(random, boxes, 0, 100);
+        std::vector<float> right = left;
+        std::vector<float> bottom = top;
+        std::vector<std::int32_t> voters(boxes, 0);
+        for (std::size_t i = 0; i < boxes; ++i) {
+            right[i] += static_cast<float>(random.number(0, 16));
+            bottom[i] += static_cast<float>(random.number(0, 16));
+            if (i <= count) voters[i] = 1 + random.below(16);
+        }
+        Buffer<float> lefts(left), tops(top), rights(right), bottoms(bottom);
+        Buffer<std::int32_t> votes(voters);
+        const double angle = random.number(0, 6);
+        const VoteBoxes list = {lefts.data(), rights.data(), tops.data(), bottoms.data(), votes.data(), boxes};
+        const float cosine = static_cast<float>(std::cos(angle));
+        const float sine = static_cast<float>(std::sin(angle));
+        // One bucket more than boxes lie in.
+        std::int32_t lastBucket = 0;
+        for (std::size_t i = 0; i < boxes; ++i) {
+            for (const float x : {left[i], right[i]}) {
+                for (const float y : {top[i], bottom[i]}) {
+                    const std::int32_t distance = static_cast<std::int32_t>(x * cosine + y * sine + 0.5f);
+                    lastBucket = std::max(lastBucket, (kMiddle + distance) / kBucketDistances);
+                }
+            }
+        }
+        Buffer<std::int32_t> changes(std::vector<std::int32_t>(sizeOf(lastBucket + 2), 0));
+        Results results;
+        results.add(set.boundVotes(list, cosine, sine, kMiddle, changes.data()));
+        results.add(changes);
+        return results;
+    });
+}
+
+TEST(FindNearLine, GivesWhatItsTwinGives) {
+    expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t count) {
+        constexpr float kBeyond = std::numeric_limits<float>::quiet_NaN();
+        const std::size_t boxes = (count / kBoxPoints / kBoxPoints + 1) * kBoxPoints;
+        std::vector<float> xs(boxes * kBoxPoints, kBeyond);
+        std::vector<float> ys = xs;
+        std::vector<float> centreXs(boxes, kBeyond), centreYs(boxes, kBeyond), widths(boxes, kBeyond);
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::size_t box = i / kBoxPoints;
+            centreXs[box] = static_cast<float>(box) * 10.0f;
+            centreYs[box] = 30.0f;
+            widths[box] = 5.0f;
+            xs[i] = centreXs[box] + static_cast<float>(random.number(-5, 5));
+            ys[i] = 30.0f + static_cast<float>(random.number(-5, 5));
+        }
+        Buffer<float> x(xs), y(ys), centreX(centreXs), centreY(centreYs), halfWidth(widths), halfHeight(widths);
+        const BoxedPoints points = {x.data(),         y.data(),         boxes, centreX.data(), centreY.data(),
+                                    halfWidth.data(), halfHeight.data()};
+        const double angle = random.number(0, 6);
+        const float cosine = static_cast<float>(std::cos(angle));
+        const float sine = static_cast<float>(std::sin(angle));
+        Buffer<std::size_t> indices(std::vector<std::size_t>(boxes * kBoxPoints, 0));
+        const std::size_t found =
+            set.findNearLine(points, cosine, sine, 25.0f * cosine + 30.0f * sine, 2.0f, 0.01f, indices.data());
+        Results results;
+        results.add(static_cast<double>(found));
+        results.addFirst(found, indices);
+        return results;
+    });
+}
+
+// ---- points in pixels ----
+
+TEST(Undistort, GivesWhatItsTwinGives) {
+    expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t count) {
+        const Pinhole camera = {.fx = 900.0, .cx = 400.0, .fy = 910.0, .cy = 300.0};
+        const LensDistortion lens = {.k1 = -0.1, .k2 = 0.02, .p1 = 0.001, .p2 = -0.002, .k3 = 0.004};
+        Buffer<double> points(numbers(random, 2 * count, 0, 800));
+        set.undistort(camera, lens, points.data(), count);
+        Results results;
+        results.add(points);
+        return results;
+    });
+}
+
+LightSheet sheetOf(Random& random) {
+    LightSheet sheet{};
+    sheet.camera = {.fx = 900.0, .cx = 400.0, .fy = 910.0, .cy = 300.0};
+    sheet.lowerBound = 40.0;
+    sheet.upperBound = 760.0;
+    sheet.surface[0] = 300.0;
+    sheet.surface[1] = random.number(-1, 1);
+    sheet.surface[2] = random.number(-2, -1);
+    for (int i = 3; i < 6; ++i) sheet.surface[i] = random.number(-1, 1) / 500.0;
+    for (double& element : sheet.rt) element = random.number(-3, 3);
+    return sheet;
+}
+
+template <class Meet>
+Results meet(Meet meetSheet, Random& random, std::size_t count) {
+    const LightSheet sheet = sheetOf(random);
+    std::vector<double> pixels = numbers(random, 2 * count, 0, 800);
+    if (count > 0) pixels[0] = random.below(2) == 0 ? sheet.lowerBound : sheet.upperBound;
+    Buffer<double> points(pixels);
+    std::vector<unsigned char> flags(count);
+    for (unsigned char& flag : flags) flag = random.below(4) == 0 ? 0 : 1;
+    Buffer<bool> found(flags);
+    Buffer<double> met(std::vector<double>(3 * count, -9.0));
+    meetSheet(sheet, found.data(), points.data(), count, met.data());
+    Results results;
+    results.add(met);
+    return results;
+}
+
+TEST(MeetPlane, GivesWhatItsTwinGives) {
+    expectTwinsAgreeOnLists(
+        [](const KernelSet& set, Random& random, std::size_t count) { return meet(set.meetPlane, random, count); });
+}
+
+TEST(MeetSurface, GivesWhatItsTwinGives) {
+    expectTwinsAgreeOnLists(
+        [](const KernelSet& set, Random& random, std::size_t count) { return meet(set.meetSurface, random, count); });
+}
+
+// ---- points of a profile ----
+
+// Points along x, some of them empty, some with a z of 0.
+std::vector<double> profileOf(Random& random, std::size_t count) {
+    const int emptyOnes = random.below(3);
+    std::vector<double> points;
+    for (std::size_t i = 0; i < count; ++i) {
+        const bool empty = emptyOnes > 0 && random.below(emptyOnes == 1 ? 40 : 3) == 0;
+        const double x = empty ? 0.0 : static_cast<double>(i + 1) + random.number(0, 1) / 4.0;
+        points.insert(points.end(), {x, random.number(0, 2), random.below(30) == 0 ? 0.0 : random.number(5, 9)});
+    }
+    return points;
+}
+
+std::vector<double> room(std::size_t count) {
+    return std::vector<double>(count + kLaneRoom, -11.0);
+}
+
+// A list of heights between so many values that are not a number.
+std::vector<double> between(std::size_t before, const std::vector<double>& heights, std::size_t behind) {
+    std::vector<double> list(before, kNotANumber);
+    list.insert(list.end(), heights.begin(), heights.end());
+    list.insert(list.end(), behind, kNotANumber);
+    return list;
+}
+
+TEST(ListHeights, GivesWhatItsTwinGives) {
+    expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t count) {
+        Buffer<double> points(profileOf(random, count));
+        Buffer<double> heights(room(count));
+        const std::size_t listed = set.listHeights(points.data(), count, heights.data());
+        Results results;
+        results.add(static_cast<double>(listed));
+        results.addFirst(listed, heights);
+        return results;
+    });
+}
+
+TEST(StoreHeights, GivesWhatItsTwinGives) {
+    expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t count) {
+        const std::vector<double> profile = profileOf(random, count);
+        std::size_t filled = 0;
+        for (std::size_t i = 0; i < count; ++i) filled += profile[3 * i] != 0.0 ? 1 : 0;
+        Buffer<double> points(profile);
+        Buffer<double> heights(numbers(random, filled + kLaneRoom, 100, 200));
+        Results results;
+        results.add(static_cast<double>(set.storeHeights(points.data(), count, heights.data())));
+        results.add(points);
+        return results;
+    });
+}
+
+// The plain pass finds none, so every window is sorted here.
+TEST(FindMedians, FindsTheMedianAroundEachHeightOrNone) {
+    expectTwinsAgreeOnLists([](const KernelSet&, Random& random, std::size_t count) {
+        const int r = random.below(27);
+        const std::size_t reach = sizeOf(r);
+        const std::vector<double> list = numbers(random, count + 2 * reach + 2 + kLaneRoom, -20, 20);
+        Buffer<double> heights(list);
+        Buffer<double> medians(room(count));
+        const bool found = active().findMedians(heights.data(), count, r, medians.data());
+        EXPECT_TRUE(medians.guardsIntact());
+        for (std::size_t i = 0; i < count && found; ++i) {
+            const auto first = list.begin() + static_cast<std::ptrdiff_t>(i) + 1;
+            std::vector<double> window(first, first + 2 * r + 1);
+            std::sort(window.begin(), window.end());
+            EXPECT_EQ(medians.data()[i], window[reach]) << "height " << i << " of " << count << ", r = " << r;
+        }
+        return Results();
+    });
+}
+
+TEST(SmoothHeights, GivesWhatItsTwinGives) {
+    expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t count) {
+        const std::size_t reach = sizeOf(random.below(9));
+        Buffer<double> heights(
+            between(reach, numbers(random, count, 5, random.below(2) == 0 ? 6 : 20), reach + kLaneRoom));
+        Buffer<double> weights(numbers(random, 2 * reach + 1, 1, 3));
+        Buffer<double> smoothed(room(count));
+        set.smoothHeights(heights.data(), count, weights.data(), reach, random.number(1, 6), smoothed.data());
+        Results results;
+        results.addFirst(count, smoothed);
+        return results;
+    });
+}
+
+TEST(ListUsable, GivesWhatItsTwinGives) {
+    expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t end) {
+        const std::size_t first = sizeOf(random.below(static_cast<int>(end) + 1));
+        Buffer<double> points(profileOf(random, end));
+        Buffer<double> x(room(end - first));
+        Buffer<double> z(room(end - first));
+        Buffer<std::int32_t> positions(std::vector<std::int32_t>(end - first + kLaneRoom, -1));
+        const std::size_t listed = set.listUsable(points.data(), first, end, x.data(), z.data(), positions.data());
+        Results results;
+        results.add(static_cast<double>(listed));
+        results.addFirst(listed, x);
+        results.addFirst(listed, z);
+        results.addFirst(listed, positions);
+        return results;
+    });
+}
+
+TEST(KeepOutliers, GivesWhatItsTwinGives) {
+    expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t count) {
+        const std::size_t w = sizeOf(random.below(12));
+        std::vector<double> alongX = room(count);
+        for (std::size_t i = 0; i < count; ++i) alongX[i] = static_cast<double>(i) + random.number(0, 1) / 4.0;
+        std::vector<double> depths = numbers(random, count, 5, 6 + random.below(3));
+        for (double& depth : depths) depth += random.below(12) == 0 ? random.number(0, 30) : 0.0;
+        Buffer<double> x(alongX);
+        Buffer<double> z(between(w, depths, w + kLaneRoom));
+        Buffer<double> slopes(room(count));
+        std::vector<std::int32_t> places(count);
+        for (std::size_t i = 0; i < count; ++i) places[i] = static_cast<std::int32_t>(2 * i + 5);
+        Buffer<std::int32_t> positions(places);
+        const std::size_t kept = set.keepOutliers(x.data(), z.data() + w, count, w, random.number(0, 3),
+                                                  random.number(0, 4), slopes.data(), positions.data());
+        EXPECT_TRUE(slopes.guardsIntact());
+        Results results;
+        results.add(static_cast<double>(kept));
+        results.addFirst(kept, positions);
+        return results;
+    });
+}
+
+TEST(CountFollowers, GivesWhatItsTwinGives) {
+    expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t count) {
+        std::vector<double> profile = profileOf(random, count + 1);
+        // Without it, most rows of points end early.
+        const bool longRow = random.below(3) != 0;
+        for (std::size_t i = 0; i <= count && longRow; ++i) {
+            profile[3 * i] = static_cast<double>(i + 1);
+            profile[3 * i + 2] = 7.0 + (random.below(60) == 0 ? 3.0 : 0.0);
+        }
+        Buffer<double> points(profile);
+        Results results;
+        results.add(
+            static_cast<double>(set.countFollowers(points.data() + 3, count, random.below(2) == 0 ? 3.0 : 1.5)));
+        return results;
+    });
+}
+
+TEST(NumberBuckets, GivesWhatItsTwinGives) {
+    expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t count) {
+        std::vector<double> profile = profileOf(random, count);
+        const std::vector<double> large = {-2147483649.0, -2147483648.0, -2147483648.5, 2147483647.0,
+                                           2147483648.0,  1e300,         kNotANumber,   -1e10};
+        for (std::size_t i = 0; i < count; ++i) {
+            if (random.below(9) == 0) profile[3 * i] = large[sizeOf(random.below(8))];
+        }
+        Buffer<double> points(profile);
+        Buffer<std::int32_t> buckets(std::vector<std::int32_t>(count, -6));
+        const double width = random.below(2) == 0 ? 1.0 : random.number(-3, 3);
+        Results results;
+        results.add(static_cast<double>(set.numberBuckets(points.data(), count, width, buckets.data())));
+        results.add(buckets);
+        return results;
+    });
+}
+
+}  // namespace
