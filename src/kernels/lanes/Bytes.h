@@ -178,7 +178,7 @@ inline Bytes keepAtLeast(const Bytes& a, const Bytes& b) {
 
 inline Mask atLeast(const Bytes& a, const Bytes& b) {
     Mask mask = 0;
-    for (int i = 0; i < kRegisters; ++i) mask |= atLeastRegister(a.part[i], b.part[i]) << (i * kRegisterPixels % 64);
+    for (int i = 0; i < kRegisters; ++i) mask |= atLeastRegister(a.part[i], b.part[i]) << (i * kRegisterPixels);
     return mask;
 }
 inline Mask above(const Bytes& a, const Bytes& b) {
