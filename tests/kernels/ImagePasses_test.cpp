@@ -7,7 +7,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
-#include <tuple>
+#include <string>
 #include <vector>
 
 #include "kernels/PassRun.h"
@@ -91,21 +91,31 @@ TEST(SumAbove, GivesWhatItsTwinGives) {
     });
 }
 
+Results stripeStarts(const KernelSet& set, Random& random, int columns, int rows) {
+    const int width = columns + 1;
+    const int height = rows + 2;
+    Buffer<unsigned char> image(random.image(width, height));
+    std::vector<int> levels(sizeOf(width));
+    for (int& level : levels) level = random.below(260) - 2;
+    Buffer<int> thresholds(levels);
+    Buffer<int> starts(std::vector<int>(sizeOf(width), -7));
+    const int first = random.below(columns);
+    set.findStripeStarts(image.data(), width, first, width - 1, 1, height - 1, thresholds.data(), starts.data());
+    Results results;
+    results.add(starts);
+    return results;
+}
+
 TEST(FindStripeStarts, GivesWhatItsTwinGives) {
-    expectTwinsAgreeOnImages([](const KernelSet& set, Random& random, int columns, int rows) {
-        const int width = columns + 1;
-        const int height = rows + 2;
-        Buffer<unsigned char> image(random.image(width, height));
-        std::vector<int> levels(sizeOf(width));
-        for (int& level : levels) level = random.below(260) - 2;
-        Buffer<int> thresholds(levels);
-        Buffer<int> starts(std::vector<int>(sizeOf(width), -7));
-        const int first = random.below(columns);
-        set.findStripeStarts(image.data(), width, first, width - 1, 1, height - 1, thresholds.data(), starts.data());
-        Results results;
-        results.add(starts);
-        return results;
-    });
+    expectTwinsAgreeOnImages(stripeStarts);
+}
+
+TEST(FindStripeStarts, GivesWhatItsTwinGivesInWideImages) {
+    for (const int columns : {4095, 4096, 4097, 8191, 8257}) {
+        expectTwinsAgree(std::to_string(columns), [columns](const KernelSet& set, Random& random) {
+            return stripeStarts(set, random, columns, 20);
+        });
+    }
 }
 
 TEST(CutAndSum, GivesWhatItsTwinGives) {
