@@ -134,7 +134,7 @@ void Cal2DPoint1_1(const AlgoContext& context, bool* mask, const unsigned char* 
         if (column.size() == 1) {
             previous = column.front().centre;
             pointOf(c) = {static_cast<double>(c), previous};
-        } else if (column.size() > 1 && c > 0 && previous > 0.0) {
+        } else if (!column.empty() && previous > 0.0) {
             choose(column, view, lineSelect.SelectMode, c, previous, pointOf(c));
         }
     }

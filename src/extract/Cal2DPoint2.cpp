@@ -36,8 +36,8 @@ struct Brightness {
     }
 };
 
+// Of the rows around the first maximum; a short run has no others.
 double singleRunCentre(const BrightRun& run) {
-    if (run.length < 3) return runCentroid(run, 0, run.length - 1);
     int peak = 0;
     for (int i = 1; i < run.length; ++i) {
         if (run.grey(i) > run.grey(peak)) peak = i;
@@ -111,14 +111,13 @@ void Cal2DPoint2(const AlgoContext& context, bool* mask, const unsigned char* im
         row = *nearest.candidate;
     };
 
-    // Left to right: a single run is taken wherever it lies, several are tracked, except in the first column.
+    // Left to right: a single run is taken wherever it lies, several are tracked once there is a row.
     double previous = 0.0;
     for (int c = 0; c < view.width; ++c) {
-        const std::size_t runCount = runs.ofColumn(c).size();
-        if (runCount == 1 && !centres.ofColumn(c).empty()) {
+        if (runs.ofColumn(c).size() == 1 && !centres.ofColumn(c).empty()) {
             previous = centres.ofColumn(c).front();
             pointOf(c) = {static_cast<double>(c), previous};
-        } else if (runCount > 1 && c > 0 && previous > 0.0) {
+        } else if (previous > 0.0) {
             takeNearest(c, previous, view.height);
         }
     }

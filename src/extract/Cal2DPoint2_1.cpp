@@ -264,7 +264,7 @@ void Cal2DPoint2_1(const AlgoContext& context, bool* mask, const unsigned char* 
         const auto column = candidates.ofColumn(c);
         if (column.size() == 1) {
             previous = column.front().centre;
-        } else if (column.size() > 1 && c > 0 && previous > 0.0) {
+        } else if (!column.empty() && previous > 0.0) {
             previous = choose(column, view, selectMode, previous).centre;
         } else {
             continue;

@@ -221,12 +221,10 @@ void closeSegment(const VotePoint& start, const VotePoint& end, int steps, float
     if (density > densityRatio) segments.push_back({start.x, start.y, end.x, end.y});
 }
 
-// Splits the points of one line where they leave a gap. The step across a gap still counts for the segment before it,
-// while the last segment has one step fewer than points: this is meant.
+// Splits the points of one line, at least one, where they leave a gap. The step across a gap still counts for the
+// segment before it, while the last segment has one step fewer than points: this is meant.
 void splitAtGaps(const std::vector<VotePoint>& points, std::span<const std::size_t> inliers, float densityRatio,
                  std::vector<LineSegment>& segments) {
-    if (inliers.size() < 2) return;
-
     VotePoint start = points[inliers.front()];
     VotePoint previous = start;
     int steps = 0;
