@@ -470,6 +470,26 @@ TEST(Cal2DPoint2_1, SegmentRowIsInSinglePrecision) {
     EXPECT_TRUE(foundAt(extract(image), 23, centre));
 }
 
+TEST(Cal2DPoint2_1, SegmentRowIsRoundedAfterEveryStep) {
+    const std::vector<int> lower{60, 81, 189};
+    const double centre = centroid(58, lower);
+    const float slope = -111.0F / 110.0F;
+    const float fall = 67.0F * slope;
+    const float roundedOnce = static_cast<float>(67.0 * static_cast<double>(slope) + 125.0);
+    ASSERT_GT(std::abs(static_cast<double>(fall + 125.0F) - centre), 2.0);
+    ASSERT_LT(std::abs(static_cast<double>(roundedOnce) - centre), 2.0);
+
+    Image image(120, 140);  // from column 0, row 125 to column 110, row 14
+    for (int column = 0; column < 110; ++column) {
+        if (column != 66 && column != 67) drawSpot(image, column, 125 - column);
+    }
+    drawSpot(image, 110, 14);
+    drawSpot(image, 66, 61);
+    drawRun(image, 67, 54, {31, 40, 200});
+    drawRun(image, 67, 58, lower);
+    EXPECT_TRUE(foundAt(extract(image), 67, centroid(54, {31, 40, 200})));
+}
+
 TEST(Cal2DPoint2_1, DistanceToTheSegmentIsJudgedInDoublePrecision) {
     const std::vector<int> lower{70, 116, 234};
     const double centre = centroid(51, lower);

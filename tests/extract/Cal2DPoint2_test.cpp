@@ -220,6 +220,20 @@ TEST(Cal2DPoint2, PlateauMayReachTheEndOfTheRun) {
     EXPECT_TRUE(rowsAre(image, {centroid(12, {152, 153, 154, 200, 200})}));
 }
 
+TEST(Cal2DPoint2, PlateauMayReachTheLastRow) {
+    Image image(1, 17);
+    drawRun(image, 0, 0, flatRun(3, 200));
+    drawRun(image, 0, 10, {150, 151, 152, 153, 154, 200, 200});
+    EXPECT_TRUE(rowsAre(image, {centroid(12, {152, 153, 154, 200, 200})}));
+}
+
+TEST(Cal2DPoint2, RunOf1RowMayLieInTheLastRow) {
+    Image image(1, 20);
+    drawRun(image, 0, 5, {150, 200, 150});
+    drawRun(image, 0, 19, {200});
+    EXPECT_TRUE(rowsAre(image, {6.0}));
+}
+
 TEST(Cal2DPoint2, HumpMustFallBy5GreyLevels) {
     Image by5 = columnWithFlatRunAnd({195, 200, 195}, 3);
     EXPECT_TRUE(rowsAre(by5, {11.0}));

@@ -127,6 +127,53 @@ TEST(FindLineSegments, VotesRoundNegativeDistancesByTruncationTowardZero) {
     EXPECT_EQ(segmentsOf(twoCells), Segments{});
 }
 
+// One step is 12/17 pixels, so that 42 pixels are 59.5 steps; the step's inverse is a little less than 17/12.
+TEST(FindLineSegments, DistanceIsRoundedToSinglePrecisionBeforeItIsTruncated) {
+    const Search rowsAndColumnsOnly{.rhoStep = 12.0F / 17.0F, .angleStep = 90 * kOneDegree};
+    const float perPixel = 1.0F / rowsAndColumnsOnly.rhoStep;
+    ASSERT_LT(42.0 * static_cast<double>(perPixel), 59.5);
+    ASSERT_EQ(42.0F * perPixel, 59.5F);
+
+    // 101 votes for step 60, which is 42.35 pixels, near enough to column 41 and row 41.
+    Points besideColumn(101, VotePoint{42, 20});
+    addColumn(besideColumn, 41, 0, 99);
+    EXPECT_EQ(segmentsOf(besideColumn, rowsAndColumnsOnly), (Segments{{41, 0, 41, 99}}));
+
+    Points besideRow(101, VotePoint{20, 42});
+    addRow(besideRow, 0, 99, 41);
+    EXPECT_EQ(segmentsOf(besideRow, rowsAndColumnsOnly), (Segments{{0, 41, 99, 41}}));
+}
+
+// The points stand 6 columns apart, so that no angle is ruled out before its votes are counted.
+TEST(FindLineSegments, VotesOfOneAngleDoNotCountAtTheNext) {
+    Points rowOf100{{50, 50}};  // at 0 degrees, the first point votes for distance 50
+    for (int i = 0; i < 99; ++i) rowOf100.push_back({100 + 6 * i, 50});
+    const VotePoint elsewhere{900, 500};
+    const Search rowsAndColumns{.width = 1000, .height = 1000, .angleStep = 90 * kOneDegree, .densityRatio = 0.1F};
+    EXPECT_EQ(segmentsOf(rowOf100 + Points{elsewhere}, rowsAndColumns), Segments{});
+
+    Points lineOf100;  // 100 votes at 120 degrees for distance 400
+    for (int i = 0; i < 100; ++i) {
+        const int x = 20 + 6 * i;
+        lineOf100.push_back({x, static_cast<int>(std::lround((400.0 + 0.5 * x) / std::sqrt(0.75)))});
+    }
+    const VotePoint last{620, 104};  // at 60 degrees, for distance 400
+    ASSERT_NEAR(0.5 * last.x + std::sqrt(0.75) * last.y, 400.0, 0.4);
+    const Search threeAngles{.width = 1000, .height = 1000, .angleStep = 60 * kOneDegree, .densityRatio = 0.1F};
+    EXPECT_EQ(segmentsOf(lineOf100 + Points{last}, threeAngles), Segments{});
+}
+
+TEST(FindLineSegments, LastAngleIsNotComparedWithAnEarlierOne) {
+    Points points;
+    addColumn(points, 100, 0, 149);  // 150 votes at 0 degrees for distance 100
+    Points line;                     // 121 votes at 120 degrees for the same distance
+    for (int x = 150; x <= 270; ++x)
+        line.push_back({x, static_cast<int>(std::lround((100.0 + 0.5 * x) / std::sqrt(0.75)))});
+    const Search threeAngles{.width = 300, .height = 300, .angleStep = 60 * kOneDegree};
+    EXPECT_EQ(segmentsOf(points + line, threeAngles),
+              (Segments{{100, 0, 100, 149}, {150, line.front().y, 270, line.back().y}}));
+}
+
 TEST(FindLineSegments, LineWhoseRoundedDistanceMissesItsOwnPointsGivesNoSegment) {
     // The distance -60 / sqrt(2) = -42.43 votes for trunc(-41.93) = -41, which is 1.43 away from every point.
     Points points;
@@ -233,8 +280,22 @@ TEST(FindLineSegments, PeakLeavesAnAngleTwoStepsAway) {
     EXPECT_EQ(segmentsOf(points), (Segments{{0, 50, 119, 50}, {0, 50, 119, 47}}));
 }
 
+TEST(FindLineSegments, PeakLeavesAnAngleTwoStepsFartherToo) {
+    // (90, 50) has 130 votes, (92, 51) 120.
+    const Points rising = row(0, 13, 51) + row(14, 42, 52) + row(43, 70, 53) + row(71, 99, 54) + row(100, 119, 55);
+    const Points points = row(0, 119, 50) + row(0, 0, 50, 10) + rising;
+    EXPECT_EQ(segmentsOf(points), (Segments{{0, 50, 119, 50}, {0, 50, 119, 55}}));
+}
+
 TEST(FindLineSegments, PeakLeavesCellsTwoStepsAway) {
     EXPECT_EQ(segmentsOf(row(0, 129, 50) + row(0, 119, 52)), (Segments{{0, 50, 129, 50}, {0, 52, 119, 52}}));
+}
+
+TEST(FindLineSegments, FrameMayBeOneRowOrColumn) {
+    EXPECT_EQ(segmentsOf(row(0, 119, 0), {.width = 120, .height = 1}), (Segments{{0, 0, 119, 0}}));
+    Points column;
+    addColumn(column, 0, 0, 119);
+    EXPECT_EQ(segmentsOf(column, {.width = 1, .height = 120}), (Segments{{0, 0, 0, 119}}));
 }
 
 TEST(FindLineSegments, SuppressionAtTheSmallestAngleStaysInsideTheTable) {
@@ -270,6 +331,16 @@ TEST(FindLineSegments, DistanceIsDecodedAboutTheExactMiddleOfTheTable) {
     EXPECT_EQ(segmentsOf(points, {.width = 120, .height = 51, .rhoStep = 2.0F}), (Segments{{0, 30, 112, 28}}));
 }
 
+TEST(FindLineSegments, NumberOfDistancesIsRoundedInSinglePrecision) {
+    // 341 / 171.5 pixels a step: 172 distances, with their exact middle half a step beyond the truncated one, which
+    // puts the line of row 30, 15 steps from there, on row 28.8. In double precision there would be 171.
+    const float rhoStep = 341.0F / 171.5F;
+    ASSERT_LT(341.0 / static_cast<double>(rhoStep), 171.5);
+    ASSERT_EQ(341.0F / rhoStep, 171.5F);
+    const Points points = row(0, 110, 30) + row(112, 112, 28) + row(114, 114, 31);
+    EXPECT_EQ(segmentsOf(points, {.width = 120, .height = 50, .rhoStep = rhoStep}), (Segments{{0, 30, 112, 28}}));
+}
+
 // ---- Inliers
 
 TEST(FindLineSegments, PointsOneRowOffTheLineBelongToIt) {
@@ -299,6 +370,20 @@ TEST(FindLineSegments, InliersLieWithinTheSquareRootOf2) {
     Points nearer = points;
     addDiagonal(nearer, 171, 171, -47);
     EXPECT_EQ(segmentsOf(nearer), (Segments{{50, 0, 171, 124}}));
+}
+
+TEST(FindLineSegments, InliersLieWithinTheSquareRootOf2InALargeFrameToo) {
+    Points points;
+    addDiagonal(points, 0, 111, 140);  // distance 98.99, for the line at 99
+    addDiagonal(points, 113, 113, 142);
+    ASSERT_LT(142.0 / std::sqrt(2.0) - 99.0, std::sqrt(2.0));
+    ASSERT_GT(142.0 / std::sqrt(2.0) - 99.0, 1.409);
+    EXPECT_EQ(segmentsOf(points, {.width = 1280, .height = 1024}), (Segments{{0, 140, 113, 255}}));
+}
+
+TEST(FindLineSegments, EveryPointOfALineBelongsToItHoweverManyThereAre) {
+    for (int count = 250; count <= 260; ++count)
+        EXPECT_EQ(segmentsOf(row(0, count - 1, 50), {.width = 300}), (Segments{{0, 50, count - 1, 50}}));
 }
 
 // ---- Segments of one line
@@ -348,6 +433,17 @@ TEST(FindLineSegments, LengthCountsRowsToo) {
     EXPECT_EQ(segmentsOf(length50), (Segments{{30, 0, 30, 50}}));
     Points length49;
     addColumn(length49, 30, 0, 49, 3);
+    EXPECT_EQ(segmentsOf(length49), Segments{});
+}
+
+TEST(FindLineSegments, LengthIsMeasuredAlongTheSegment) {
+    Points length50;  // 36 * sqrt(2) = 50.9
+    Points length49;  // 35 * sqrt(2) = 49.5
+    for (int times = 0; times < 3; ++times) {
+        addDiagonal(length50, 0, 36, 0);
+        addDiagonal(length49, 0, 35, 0);
+    }
+    EXPECT_EQ(segmentsOf(length50), (Segments{{0, 0, 36, 36}}));
     EXPECT_EQ(segmentsOf(length49), Segments{});
 }
 

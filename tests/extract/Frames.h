@@ -6,11 +6,13 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <vector>
 
 #include "KorvaneLaserAlgo.h"
 #include "extract/Extraction.h"
+#include "support/CheckedBuffer.h"
 #include "support/Support.h"
 
 namespace frames {
@@ -69,14 +71,20 @@ struct Select {
 
 using ExtractionMethod = void (KorvaneLaserAlgo::*)(bool*, unsigned char*, Points2d&);
 
-/// Hands a frame to a method, with its own size as the ROI's, at offset (0, 0).
+/// Hands a frame to a method, with its own size as the ROI's, at offset (0, 0). Behind its last pixel an inaccessible
+/// page begins.
 inline extraction::Extraction extract(ExtractionMethod method, Image& image, const Select& select) {
     KorvaneLaserAlgo algo;
     support::setRoi(algo, image.width(), image.height());
     support::setLineSelect(algo, select.grayMin, select.grayMax, select.widthMin, select.widthMax, select.mode);
     Mask mask(image.width());
     extraction::Extraction result;
-    (algo.*method)(mask.data(), image.data(), result.points);
+    support::BufferRoom::place(support::Placement::kAtPageEnd);
+    support::CheckedBuffer<unsigned char> frame(image.pixels());
+    support::BufferRoom::place(support::Placement::kBetweenGuardBytes);
+    (algo.*method)(mask.data(), frame.data(), result.points);
+    EXPECT_TRUE(frame.guardsIntact()) << "something was written outside the image";
+    std::copy_n(frame.data(), frame.size(), image.data());
     result.marked = mask.marked();
     return result;
 }
