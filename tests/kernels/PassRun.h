@@ -44,18 +44,19 @@ public:
         return list;
     }
 
-    /// Blocks that are dark, bright, of one grey or of any.
+    /// Blocks that are dark, bright, of one grey or of any; half of the images are mostly dark.
     Bytes image(int width, int height) {
         Bytes pixels(sizeOf(width) * sizeOf(height));
+        const int kindsOfDark = below(2) == 0 ? 2 : 12;
         for (int r = 0; r < height; r += kBandRows) {
             for (int c = 0; c < width; c += 16) {
-                const int kind = below(5);
+                const int kind = below(kindsOfDark + 3) - kindsOfDark;
                 const unsigned char one = grey();
                 for (int y = r; y < height && y < r + kBandRows; ++y) {
                     for (int x = c; x < width && x < c + 16; ++x) {
-                        const int level = kind < 2    ? below(20)
-                                          : kind == 2 ? 230 + below(26)
-                                          : kind == 3 ? one
+                        const int level = kind < 0    ? below(20)
+                                          : kind == 0 ? 230 + below(26)
+                                          : kind == 1 ? one
                                                       : below(256);
                         pixels[sizeOf(y) * sizeOf(width) + sizeOf(x)] = static_cast<unsigned char>(level);
                     }
