@@ -265,12 +265,13 @@ TEST(FindMedians, FindsTheMedianAroundEachHeightOrNone) {
 
 TEST(SmoothHeights, GivesWhatItsTwinGives) {
     expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t count) {
-        const std::size_t reach = sizeOf(random.below(9));
+        const std::size_t reach = random.below(5) == 0 ? 40 : sizeOf(random.below(9));
+        const double step = std::vector{0.6, 1.5, 4.0}[sizeOf(random.below(3))];
         Buffer<double> heights(
             between(reach, numbers(random, count, 5, random.below(2) == 0 ? 6 : 20), reach + kLaneRoom));
         Buffer<double> weights(numbers(random, 2 * reach + 1, 1, 3));
         Buffer<double> smoothed(room(count));
-        set.smoothHeights(heights.data(), count, weights.data(), reach, random.number(1, 6), smoothed.data());
+        set.smoothHeights(heights.data(), count, weights.data(), reach, step, smoothed.data());
         Results results;
         results.addFirst(count, smoothed);
         return results;
@@ -317,19 +318,25 @@ TEST(KeepOutliers, GivesWhatItsTwinGives) {
     });
 }
 
+// A row of points that climbs by 1, or stays where it is, and breaks off at one point in x or in z: to where the row
+// came from, to the other side of 0, or far away.
+std::vector<double> brokenRow(Random& random, std::size_t count) {
+    const double step = random.below(2);
+    const std::size_t end = sizeOf(random.below(static_cast<int>(count) + 1));
+    std::vector<double> points;
+    for (std::size_t i = 0; i <= count; ++i) points.insert(points.end(), 3, 7.0 + step * static_cast<double>(i));
+    double& broken = points[3 * end + (random.below(2) == 0 ? 0 : 2)];
+    broken = std::vector{7.0, -broken + step, broken + 9.0}[sizeOf(random.below(3))];
+    return points;
+}
+
 TEST(CountFollowers, GivesWhatItsTwinGives) {
     expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t count) {
-        std::vector<double> profile = profileOf(random, count + 1);
-        // Without it, most rows of points end early.
-        const bool longRow = random.below(3) != 0;
-        for (std::size_t i = 0; i <= count && longRow; ++i) {
-            profile[3 * i] = static_cast<double>(i + 1);
-            profile[3 * i + 2] = 7.0 + (random.below(60) == 0 ? 3.0 : 0.0);
-        }
-        Buffer<double> points(profile);
         Results results;
-        results.add(
-            static_cast<double>(set.countFollowers(points.data() + 3, count, random.below(2) == 0 ? 3.0 : 1.5)));
+        for (int i = 0; i < 10; ++i) {
+            Buffer<double> points(i == 0 ? profileOf(random, count + 1) : brokenRow(random, count));
+            results.add(static_cast<double>(set.countFollowers(points.data() + 3, count, 1.5)));
+        }
         return results;
     });
 }

@@ -47,6 +47,22 @@ struct Search {
     }
 };
 
+TEST(FindStripeStarts, FindsAPixelThatIsBrighterThanTheThresholdByOneAndNoneThatIsAsBright) {
+    for (const int grey : {0, 1, 100, 254, 255}) {
+        Search search;
+        search.width = 200;
+        search.height = 12;
+        search.image.assign(static_cast<std::size_t>(search.width * search.height), static_cast<unsigned char>(grey));
+        for (const int below : {0, 1}) {
+            search.thresholds.assign(static_cast<std::size_t>(search.width), grey - below);
+            std::vector<int> starts(static_cast<std::size_t>(search.width - 1), kUntouched);
+            active().findStripeStarts(search.image.data(), search.width, 0, search.width - 1, 1, search.height - 1,
+                                      search.thresholds.data(), starts.data());
+            EXPECT_EQ(starts, std::vector<int>(starts.size(), below == 1 ? 1 : kNoStripe)) << "grey level " << grey;
+        }
+    }
+}
+
 TEST(FindStripeStarts, ObeysTheRuleForEveryRangeOfColumnsAndThresholdsBeyondABytes) {
     std::mt19937 random(5);
     const auto below = [&](int count) { return static_cast<int>(random() % static_cast<unsigned>(count)); };
