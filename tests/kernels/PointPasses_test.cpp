@@ -319,14 +319,25 @@ TEST(KeepOutliers, GivesWhatItsTwinGives) {
 }
 
 // A row of points that climbs by 1, or stays where it is, and breaks off at one point in x or in z: to where the row
-// came from, to the other side of 0, or far away.
+// came from, to the other side of 0, or far away. From there it goes on.
 std::vector<double> brokenRow(Random& random, std::size_t count) {
-    const double step = random.below(2);
-    const std::size_t end = sizeOf(random.below(static_cast<int>(count) + 1));
+    const double stepX = random.below(2);
+    const double stepZ = random.below(2);
+    const double first = random.below(2) == 0 ? 7.0 : 0.7;
+    const std::size_t anywhere = sizeOf(random.below(static_cast<int>(count) + 1));
+    const std::size_t end = random.below(2) == 0 ? anywhere : anywhere / 8 * 8 + 1;
+    const bool alongX = random.below(2) == 0;
+    const int kind = random.below(3);
+    double x = first;
+    double z = first;
     std::vector<double> points;
-    for (std::size_t i = 0; i <= count; ++i) points.insert(points.end(), 3, 7.0 + step * static_cast<double>(i));
-    double& broken = points[3 * end + (random.below(2) == 0 ? 0 : 2)];
-    broken = std::vector{7.0, -broken + step, broken + 9.0}[sizeOf(random.below(3))];
+    for (std::size_t i = 0; i <= count; ++i) {
+        double& broken = alongX ? x : z;
+        if (i == end) broken = std::vector{first, -broken - 0.2, broken + 9.0}[sizeOf(kind)];
+        points.insert(points.end(), {x, first, z});
+        x += stepX;
+        z += stepZ;
+    }
     return points;
 }
 
