@@ -27,7 +27,7 @@ namespace KORVANELASERALGO::extract {
 /// Rows that the walk looks at, above and below the row of interest.
 struct TrackingWindow {
     int half;   ///< rows of a search fill, halved
-    int track;  ///< rows above the predicted row while following
+    int track;  ///< rows above the predicted row and below it while following
 
     explicit TrackingWindow(int height) : half(height < 41 ? height / 2 - 1 : 20), track(3 * half / 4) {}
 };
@@ -92,7 +92,7 @@ private:
                            ? std::min((column / kernels::kBlockColumns + 1) * kernels::kBlockColumns, inner)
                            : inner;
 
-        const int endRow = std::min(image_.height - window_.half - 1, image_.height - 1);
+        const int endRow = image_.height - window_.half - 1;
         kernels::active().findStripeStarts(image_.bytes, image_.width, column, searchedEnd_, 2, endRow,
                                            thresholds_.searchThresholds(), starts_.data());
     }
@@ -106,10 +106,8 @@ private:
         const bool bright = peak >= thresholds_.searchThresholds()[column];
         if (!bright || !(centre > kContinuity * middle[-1])) return false;
 
-        // The window is symmetric although it may reach twice as far down as up before it is cut: this is meant.
-        const int low = std::max(row - window_.track, 0);
-        const int high = std::min(row + 2 * window_.track, image_.height - 1);
-        const int reach = std::min(row - low, high - row);
+        // The window is symmetric: where the image cuts it on one side, it is as short on the other. This is meant.
+        const int reach = std::min({window_.track, row, image_.height - 1 - row});
         const int threshold = thresholds_.fillThreshold(column, peak);
 
         // The middle row counts whatever its grey value.
