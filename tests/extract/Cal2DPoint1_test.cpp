@@ -522,6 +522,20 @@ TEST(Cal2DPoint1, WindowStaysSymmetricNearTheBottom) {
     EXPECT_TRUE(foundAt(result, 2, (5 + 9) / 2.0));
 }
 
+TEST(Cal2DPoint1, WindowReachesTheLastRow) {
+    // Column 1 fills the rows 70 .. 99, so that row 85 is predicted, 14 rows above the last one.
+    Image image(4, 100);
+    for (int row = 70; row < 100; ++row) image.at(row, 1) = image.at(row, 2) = 100;
+    image.at(99, 2) = 255;
+    double sum = 0.0;
+    double moment = 0.0;  // about row 71, the window's first
+    for (int row = 71; row <= 99; ++row) {
+        sum += image.at(row, 2);
+        moment += (row - 71) * image.at(row, 2);
+    }
+    EXPECT_TRUE(foundAt(extract(image), 2, 71 + moment / sum));
+}
+
 // ---- Output
 
 TEST(Cal2DPoint1, OffsetsAreAddedToEveryPoint) {
