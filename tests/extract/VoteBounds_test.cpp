@@ -43,6 +43,16 @@ TEST(VoteBounds, AreTheVotesThemselvesWhereAllPointsMeetOneCell) {
     EXPECT_FALSE(bounds.mayReach(1281, 0.0f, 1.0f));
 }
 
+TEST(VoteBounds, CountTheVotesOfEveryBoxHoweverManyThereAre) {
+    for (int boxes = 1; boxes <= 40; ++boxes) {
+        std::vector<VotePoint> points = flatLine(500);
+        points.resize(static_cast<std::size_t>(16 * boxes));  // 16 columns each
+        VoteBounds bounds(points, kDistances);
+        EXPECT_TRUE(bounds.mayReach(16 * boxes, 0.0f, 1.0f)) << boxes;
+        EXPECT_FALSE(bounds.mayReach(16 * boxes + 1, 0.0f, 1.0f)) << boxes;
+    }
+}
+
 // Ten degrees off, 1280 columns spread over 222 cells; a bucket of four of them meets at most four boxes of 16 points.
 TEST(VoteBounds, RuleOutAnAngleAcrossTheLine) {
     VoteBounds bounds(flatLine(500), kDistances);
