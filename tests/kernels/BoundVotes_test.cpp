@@ -85,4 +85,12 @@ TEST(BoundVotes, AddsBoxesThatMeetInOneBucketAlone) {
     EXPECT_EQ(active().boundVotes(boxes.list(), 1.0f, 0.0f, 0, changes.data()), 17);
 }
 
+TEST(BoundVotes, AddsBoxesThatAllLieInOneBucket) {
+    Boxes boxes;
+    while (boxes.votes.size() < 32) boxes.add(5.0f, 1.0f, 1.0f, 3.0f, 2);
+    std::vector<std::int32_t> changes(3, 0);
+    EXPECT_EQ(active().boundVotes(boxes.list(), 1.0f, 0.0f, 0, changes.data()), 64);
+    EXPECT_EQ(changes, std::vector<std::int32_t>(3, 0));
+}
+
 }  // namespace

@@ -53,6 +53,15 @@ TEST(CastVotes, CountsEveryPointAtItsDistance) {
     });
 }
 
+TEST(CastVotes, LeavesOtherDistancesAlone) {
+    constexpr std::ptrdiff_t kStride = 2;
+    const std::vector<float> zeros(35, 0.0f);
+    std::vector<std::int32_t> votes(kVoteRows * kStride, 0);
+    active().castVotes(zeros.data(), zeros.data(), zeros.size(), 1.0f, 0.0f, votes.data(), kStride);
+    EXPECT_EQ(votes[0] + votes[2] + votes[4] + votes[6], 35);
+    EXPECT_EQ(votes[1] + votes[3] + votes[5] + votes[7], 0);
+}
+
 TEST(SumVotes, AddsUpTheRowsAndClearsWhatItAdded) {
     expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t count) {
         const std::size_t stride = count + sizeOf(random.below(9));
@@ -71,7 +80,6 @@ TEST(SumVotes, AddsUpTheRowsAndClearsWhatItAdded) {
 
 TEST(BoundVotes, GivesWhatItsTwinGives) {
     expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t count) {
-        constexpr std::int32_t kMiddle = 300;
         const std::size_t boxes = (count / kBoxPoints + 1) * kBoxPoints;
         const std::vector<float> left = singles(random, boxes, 0, 100);
         const std::vector<float> top = singles(random, boxes, 0, 100);
@@ -89,19 +97,20 @@ TEST(BoundVotes, GivesWhatItsTwinGives) {
         const VoteBoxes list = {lefts.data(), rights.data(), tops.data(), bottoms.data(), votes.data(), boxes};
         const float cosine = static_cast<float>(std::cos(angle));
         const float sine = static_cast<float>(std::sin(angle));
-        // One bucket more than boxes lie in.
-        std::int32_t lastBucket = 0;
+        // The first bucket begins at the smallest distance; behind the last one that a box lies in there is one more.
+        std::vector<std::int32_t> distances;
         for (std::size_t i = 0; i < boxes; ++i) {
             for (const float x : {left[i], right[i]}) {
-                for (const float y : {top[i], bottom[i]}) {
-                    const std::int32_t distance = static_cast<std::int32_t>(x * cosine + y * sine + 0.5f);
-                    lastBucket = std::max(lastBucket, (kMiddle + distance) / kBucketDistances);
-                }
+                for (const float y : {top[i], bottom[i]})
+                    distances.push_back(static_cast<std::int32_t>(x * cosine + y * sine + 0.5f));
             }
         }
+        const auto [least, most] = std::minmax_element(distances.begin(), distances.end());
+        const std::int32_t middle = std::max(-*least, 0);
+        const std::int32_t lastBucket = (middle + *most) / kBucketDistances;
         Buffer<std::int32_t> changes(std::vector<std::int32_t>(sizeOf(lastBucket + 2), 0));
         Results results;
-        results.add(set.boundVotes(list, cosine, sine, kMiddle, changes.data()));
+        results.add(set.boundVotes(list, cosine, sine, middle, changes.data()));
         results.add(changes);
         return results;
     });
@@ -295,21 +304,48 @@ TEST(ListUsable, GivesWhatItsTwinGives) {
     });
 }
 
+struct Cloud {
+    std::vector<double> x;
+    std::vector<double> z;
+};
+
+// Depths near one another, some of them far away.
+Cloud scattered(Random& random, std::size_t count) {
+    Cloud cloud;
+    cloud.z = numbers(random, count, 5, 6 + random.below(3));
+    const int rarity = random.below(2) == 0 ? 12 : 80;
+    for (std::size_t i = 0; i < count; ++i) {
+        cloud.x.push_back(static_cast<double>(i) + random.number(0, 1) / 4.0);
+        if (random.below(rarity) == 0) cloud.z[i] += random.number(0, 30);
+    }
+    return cloud;
+}
+
+// A slope, with some points beside the line.
+Cloud straight(Random& random, std::size_t count, double slope) {
+    Cloud cloud;
+    for (std::size_t i = 0; i < count; ++i) {
+        const double beside = random.below(9) == 0 ? random.number(0, 4) : 0.0;
+        cloud.x.push_back(slope * static_cast<double>(i) + beside);
+        cloud.z.push_back(static_cast<double>(i));
+    }
+    return cloud;
+}
+
 TEST(KeepOutliers, GivesWhatItsTwinGives) {
     expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t count) {
-        const std::size_t w = sizeOf(random.below(12));
-        std::vector<double> alongX = room(count);
-        for (std::size_t i = 0; i < count; ++i) alongX[i] = static_cast<double>(i) + random.number(0, 1) / 4.0;
-        std::vector<double> depths = numbers(random, count, 5, 6 + random.below(3));
-        for (double& depth : depths) depth += random.below(12) == 0 ? random.number(0, 30) : 0.0;
-        Buffer<double> x(alongX);
-        Buffer<double> z(between(w, depths, w + kLaneRoom));
-        Buffer<double> slopes(room(count));
+        const std::size_t w = sizeOf(std::vector{0, 1, 2, 3, 5, 8, 11, 40}[sizeOf(random.below(8))]);
+        const double slope = std::vector{0.0, 1.0, -1.0, 2.0}[sizeOf(random.below(4))];
+        Cloud cloud = random.below(2) == 0 ? scattered(random, count) : straight(random, count, slope);
+        cloud.x.insert(cloud.x.end(), kLaneRoom, 3.0);
+        Buffer<double> x(cloud.x);
+        Buffer<double> z(between(w, cloud.z, w + kLaneRoom));
+        Buffer<double> slopes(std::vector<double>(count + kLaneRoom, slope));
         std::vector<std::int32_t> places(count);
         for (std::size_t i = 0; i < count; ++i) places[i] = static_cast<std::int32_t>(2 * i + 5);
         Buffer<std::int32_t> positions(places);
         const std::size_t kept = set.keepOutliers(x.data(), z.data() + w, count, w, random.number(0, 3),
-                                                  random.number(0, 4), slopes.data(), positions.data());
+                                                  random.number(0, 2), slopes.data(), positions.data());
         EXPECT_TRUE(slopes.guardsIntact());
         Results results;
         results.add(static_cast<double>(kept));
