@@ -14,9 +14,9 @@ inline std::size_t findTransitions(const Byte* image, int width, int height, int
     if (width < kLane)
         return plain::findTransitions(image, width, height, firstRow, thresholds, active, state, transitions);
     const int rows = rowsOfBand(firstRow, height);
-    const int endRow = firstRow + rows;
+    const int nextBand = firstRow + rows;
     // Where the caller knows what is active, the image was looked at just before.
-    const int rowsBelow = active == nullptr ? rowsOfBand(endRow, height) : 0;
+    const int rowsBelow = active == nullptr ? rowsOfBand(nextBand, height) : 0;
     const Byte* band = image + static_cast<std::ptrdiff_t>(firstRow) * width;
     const int blocks = blocksOf(width);
     Transition* next = transitions;
@@ -35,7 +35,7 @@ inline std::size_t findTransitions(const Byte* image, int width, int height, int
             if ((above(minOfRows(pixels, width, rows), threshold) & block.owned) == block.owned) continue;
         }
 
-        for (int r = firstRow; r < endRow; ++r, pixels += width) {
+        for (int r = firstRow; r < nextBand; ++r, pixels += width) {
             const Mask bright = above(Bytes::load(pixels), threshold) & block.owned;
             for (Mask changed = bright ^ brightAbove; changed != 0; changed &= changed - 1)
                 *next++ = {block.first + lowestBit(changed), r};
