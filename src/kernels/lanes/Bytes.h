@@ -192,14 +192,14 @@ inline bool anyAbove(const Bytes& a, const Bytes& b) {
     return !isZero(excess);
 }
 
-/// The same where the levels of all pixels are equal. Narrow registers are cheaper by half then.
-inline bool anyAboveEqual(const Bytes& a, const Bytes& level) {
+/// The same where all pixels have one level: then the registers of a lane are compared with it together.
+inline bool anyAboveLevel(const Bytes& a, const Bytes& level) {
     Register largest = a.part[0];
     for (int i = 1; i < kRegisters; ++i) largest = maxRegister(largest, a.part[i]);
     return !isZero(subtractRegister(largest, level.part[0]));
 }
 
-/// Asks for the cache lines of a lane, which are needed soon.
+/// Asks for the cache line in which a lane begins, which is needed soon.
 inline void prefetch(const Byte* p) {
     _mm_prefetch(reinterpret_cast<const char*>(p), _MM_HINT_T0);
 }

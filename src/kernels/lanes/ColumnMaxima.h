@@ -22,7 +22,7 @@ inline void findColumnMaxima(const Byte* image, int width, int height, Byte floo
             const Block block(b, width);
             prefetchBelow(band + block.first, width, rows, rowsBelow);
             const Bytes largest = maxOfRows(band + block.first, width, rows);
-            const bool any = anyAboveEqual(largest, floors);
+            const bool any = anyAboveLevel(largest, floors);
             *active++ = any ? 1 : 0;
             if (any) max(largest, Bytes::load(maxima + block.first)).store(maxima + block.first);
         }

@@ -38,7 +38,7 @@ struct Cut {
 // Cuts a lane of a row and adds its pixels begin .. 63.
 inline void cutAndAdd(Byte* pixels, const Cut& cut, int begin, int row, std::uint32_t* sums, float* moments) {
     const Bytes whole = Bytes::load(pixels);
-    if (!anyAboveEqual(whole, cut.largest)) return Bytes::fill(0).store(pixels);
+    if (!anyAboveLevel(whole, cut.largest)) return Bytes::fill(0).store(pixels);
     const Bytes rest = keepAtLeast(whole, cut.least);
     rest.store(pixels);
     addPixels(rest, begin, static_cast<float>(row), sums, moments);

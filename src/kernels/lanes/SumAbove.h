@@ -40,7 +40,7 @@ inline void sumAbove(const Byte* image, int width, int height, Byte level, Colum
             const Block block(b, width);
             const Byte* pixels = band + block.first;
             prefetchBelow(pixels, width, rows, rowsBelow);
-            if (!anyAboveEqual(maxOfRows(pixels, width, rows), levels)) continue;
+            if (!anyAboveLevel(maxOfRows(pixels, width, rows), levels)) continue;
             addBand(pixels, width, rows, levels, level, lowestBit(block.owned), sums + block.first);
         }
     }
