@@ -21,7 +21,7 @@ public:
     /// @param points the voting points by column, then row; at least one
     /// @param distances number of cells of an angle, the middle one at distance 0
     VoteBounds(std::span<const VotePoint> points, int distances)
-        : middle_((distances - 1) / 2), changes_(static_cast<std::size_t>(distances / kernels::kBucketDistances) + 3) {
+        : middle_((distances - 1) / 2), changes_(static_cast<std::size_t>(distances / kernels::kBucketDistances) + 2) {
         std::size_t firstOfStrip = 0;  // boxes from here on share their columns
         for (const VotePoint& point : points) {
             const std::size_t boxes = votes_.size();

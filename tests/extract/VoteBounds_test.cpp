@@ -53,6 +53,14 @@ TEST(VoteBounds, CountTheVotesOfEveryBoxHoweverManyThereAre) {
     }
 }
 
+TEST(VoteBounds, CountAnglesWhosePointsLieAtTheLastDistance) {
+    std::vector<VotePoint> points;
+    for (int y = 0; y < 200; ++y) points.push_back({(kDistances - 1) / 2, y});
+    VoteBounds bounds(points, kDistances);
+    EXPECT_TRUE(bounds.mayReach(200, 1.0f, 0.0f));
+    EXPECT_FALSE(bounds.mayReach(201, 1.0f, 0.0f));
+}
+
 // Ten degrees off, 1280 columns spread over 222 cells; a bucket of four of them meets at most four boxes of 16 points.
 TEST(VoteBounds, RuleOutAnAngleAcrossTheLine) {
     VoteBounds bounds(flatLine(500), kDistances);
