@@ -153,6 +153,15 @@ TEST(Cal2DPoint1_1, LongSingleRunGivesACandidateForEveryHump) {
     EXPECT_TRUE(rowsAre(image, {.widthMax = 5}, {14.0, centroid(12, {80, 250, 70})}));
 }
 
+TEST(Cal2DPoint1_1, FaintestHumpOfAVeryLongRunIsFound) {
+    // A run is of 61 and more, so a hump that falls by 50 is of 111 and more. Its right foot is the end of the run.
+    std::vector<int> run = flatRun(100, 61);
+    run[50] = 111;
+    Image image(1, 110);
+    drawRun(image, 0, 5, run);
+    EXPECT_TRUE(rowsAre(image, {.widthMax = 100}, {centroid(5 + 49, {run.begin() + 49, run.end()})}));
+}
+
 TEST(Cal2DPoint1_1, LongSingleRunWithoutAHumpGivesNoCandidate) {
     Image flat = columnWith({100, 100, 100});
     EXPECT_TRUE(rowsAre(flat, {.widthMax = 4}, {11.0}));

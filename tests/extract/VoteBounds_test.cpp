@@ -6,7 +6,9 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <random>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -75,6 +77,19 @@ TEST(VoteBounds, DoNotTellForScatteredPoints) {
     std::vector<VotePoint> points;
     for (int x = 0; x < 1280; x += 8) points.push_back({x, x % 1000});
     EXPECT_TRUE(VoteBounds(points, kDistances).mayReach(1000, 1.0f, 0.0f));
+
+    // Decided anew for other points, even in the same place.
+    std::optional<VoteBounds> bounds(std::in_place, flatLine(500), kDistances);
+    EXPECT_FALSE(bounds->mayReach(1281, 0.0f, 1.0f));
+    bounds.emplace(points, kDistances);
+    EXPECT_TRUE(bounds->mayReach(1281, 0.0f, 1.0f));
+}
+
+// Row 512, but for the first of every 16 columns, which is 0, 4, 8 or 12 rows above: all have their votes in its cell.
+TEST(VoteBounds, CoverTheirPointsDownToTheLastRow) {
+    std::vector<VotePoint> points;
+    for (int x = 0; x < 1280; ++x) points.push_back({x, x % 16 == 0 ? 512 - x / 16 % 4 * 4 : 512});
+    EXPECT_TRUE(VoteBounds(points, kDistances).mayReach(1280 - 60, 0.0f, 1.0f));
 }
 
 TEST(VoteBounds, AreNeverBelowTheVotes) {
