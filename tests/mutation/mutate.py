@@ -298,8 +298,8 @@ class Passes:
         if entries is None:
             return tests
         rooms = {"kernels"}.union(*(self.rooms_of[entry] for entry in entries))
-        frames = rooms & {"extract", "image"}  # which alone have sizes of interest
-        return [test for test in tests if room_of(test) in (None, *rooms) and (frames or test != SIZE_TESTS)]
+        # Passes have tests of their own with buffers of many sizes, beside which those of the methods notice no more.
+        return [test for test in tests if room_of(test) in (None, *rooms) and test != SIZE_TESTS]
 
 
 def included_lanes(text):
