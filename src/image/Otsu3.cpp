@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
 #include <thread>
 #include <vector>
@@ -31,17 +32,6 @@ struct BlobMask {
     int bandEndRow = 0;  // the band begins at row 0
 };
 
-// Calls `visit` with the first column and the end of each longest stretch of columns for which `belongs` holds.
-template <class Belongs, class Visit>
-void visitStretches(int firstColumn, int endColumn, Belongs belongs, Visit visit) {
-    for (int c = firstColumn; c < endColumn; ++c) {
-        if (!belongs(c)) continue;
-        const int first = c;
-        while (c < endColumn && belongs(c)) ++c;
-        visit(first, c);
-    }
-}
-
 // Per column, the number of rows above the blob's level from row 0 on; runs that are too short do not count.
 void measureTopRuns(const MutableImageView& image, std::vector<int>& topRuns) {
     const auto isBright = [](unsigned char grey) { return grey > kBlobLevel; };
@@ -52,11 +42,11 @@ void measureTopRuns(const MutableImageView& image, std::vector<int>& topRuns) {
     // A column's first transition is the begin of its run, in row 0, and the second the end.
     const std::vector<unsigned char> thresholds(topRuns.size(), kBlobLevel);
     std::vector<std::uint64_t> state(static_cast<std::size_t>(kernels::blocksOf(image.width)), 0);
-    std::vector<kernels::Transition> transitions(topRuns.size() * kernels::kBandRows);
+    const auto transitions = std::make_unique_for_overwrite<kernels::Transition[]>(topRuns.size() * kernels::kBandRows);
     for (int r = 0; r < image.height && growing > 0; r += kernels::kBandRows) {
         const std::size_t count = kernels::active().findTransitions(
-            image.bytes, image.width, image.height, r, thresholds.data(), nullptr, state.data(), transitions.data());
-        for (const kernels::Transition& transition : std::span(transitions).first(count)) {
+            image.bytes, image.width, image.height, r, thresholds.data(), nullptr, state.data(), transitions.get());
+        for (const kernels::Transition& transition : std::span(transitions.get(), count)) {
             int& run = topRuns[static_cast<std::size_t>(transition.column)];
             if (transition.row == 0) {
                 run = image.height;
@@ -69,24 +59,49 @@ void measureTopRuns(const MutableImageView& image, std::vector<int>& topRuns) {
     for (int& run : topRuns) run = run < kShortestTopRun ? 0 : run;
 }
 
+// Neighbouring columns in a band of rows, in all of which the blob ends at the same row.
+struct Stretch {
+    int firstColumn;
+    int endColumn;
+    int firstRow;
+    int blobEndRow;  // firstRow where it has ended above the band, endRow where it goes on
+    int endRow;
+};
+
+// Rows down to the blob's lowest pixel in the columns firstColumn .. endColumn - 1.
+int deepestRun(const std::vector<int>& topRuns, int firstColumn, int endColumn) {
+    int deepest = 0;
+    for (int c = firstColumn; c < endColumn; ++c) deepest = std::max(deepest, topRuns[static_cast<std::size_t>(c)]);
+    return deepest;
+}
+
+// Cuts the rows [0, endRow) into bands and calls `visit` with each longest stretch of each band. They are few, because
+// most runs go on through a band or have ended above it.
+template <class Visit>
+void visitStretches(const std::vector<int>& topRuns, int firstColumn, int endColumn, int endRow, Visit visit) {
+    int bandRow = 0;
+    while (bandRow < endRow) {
+        const int bandEndRow = bandRow + kernels::rowsOfBand(bandRow, endRow);
+        const auto blobEndRow = [&](int c) {
+            return std::clamp(topRuns[static_cast<std::size_t>(c)], bandRow, bandEndRow);
+        };
+        int first = firstColumn;
+        while (first < endColumn) {
+            int end = first;
+            while (end < endColumn && blobEndRow(end) == blobEndRow(first)) ++end;
+            visit(Stretch{first, end, bandRow, blobEndRow(first), bandEndRow});
+            first = end;
+        }
+        bandRow = bandEndRow;
+    }
+}
+
 // Sets the blob's pixels to 0 in the caller's image: this is meant.
 void removeBlob(const MutableImageView& image, const std::vector<int>& topRuns) {
-    const auto runOf = [&](int c) { return topRuns[static_cast<std::size_t>(c)]; };
-    const auto clear = [&](int firstColumn, int endColumn, int firstRow, int endRow) {
-        for (int r = firstRow; r < endRow; ++r) std::fill(image.row(r) + firstColumn, image.row(r) + endColumn, 0);
-    };
-    const int deepest = topRuns.empty() ? 0 : *std::max_element(topRuns.begin(), topRuns.end());
-    for (int r = 0; r < deepest; r += kernels::kBandRows) {
-        const int end = r + kernels::kBandRows;
-        visitStretches(
-            0, image.width, [&](int c) { return runOf(c) >= end; },
-            [&](int first, int last) { clear(first, last, r, end); });
-        visitStretches(
-            0, image.width, [&](int c) { return r < runOf(c) && runOf(c) < end; },
-            [&](int first, int last) {
-                for (int c = first; c < last; ++c) clear(c, c + 1, r, runOf(c));
-            });
-    }
+    visitStretches(topRuns, 0, image.width, deepestRun(topRuns, 0, image.width), [&](const Stretch& stretch) {
+        for (int r = stretch.firstRow; r < stretch.blobEndRow; ++r)
+            std::fill(image.row(r) + stretch.firstColumn, image.row(r) + stretch.endColumn, 0);
+    });
 }
 
 // A band of columns around the blob's centre, from the top edge to below it, in the upper half of the image. The centre
@@ -120,7 +135,7 @@ struct GreyRanges {
 
     // By the columns [firstColumn, endColumn) of the rows [firstRow, endRow); there may be none.
     void widen(const ImageView& src, int firstColumn, int endColumn, int firstRow, int endRow) {
-        if (firstColumn >= endColumn || firstRow >= endRow) return;
+        if (firstColumn == endColumn || firstRow == endRow) return;
         kernels::active().widenRanges(src.row(firstRow) + firstColumn, src.width, endColumn - firstColumn,
                                       endRow - firstRow, &smallest[static_cast<std::size_t>(firstColumn)],
                                       &largest[static_cast<std::size_t>(firstColumn)]);
@@ -140,27 +155,16 @@ void widenOutsideBand(const ImageView& src, const BlobMask& mask, int firstColum
 
 // The grey range of each column outside the mask: beside the blob band by band of rows, and below it all together.
 void findRanges(const ImageView& src, const BlobMask& mask, int firstColumn, int endColumn, GreyRanges& ranges) {
-    const auto runOf = [&](int c) { return mask.topRuns[static_cast<std::size_t>(c)]; };
-    int blobEndRow = 0;
-    for (int c = firstColumn; c < endColumn; ++c) blobEndRow = std::max(blobEndRow, runOf(c));
-    for (int r = 0; r < blobEndRow; r += kernels::kBandRows) {
-        const int end = std::min(r + kernels::kBandRows, blobEndRow);
-        visitStretches(
-            firstColumn, endColumn, [&](int c) { return runOf(c) <= r; },
-            [&](int first, int last) { widenOutsideBand(src, mask, first, last, r, end, ranges); });
-        visitStretches(
-            firstColumn, endColumn, [&](int c) { return r < runOf(c) && runOf(c) < end; },
-            [&](int first, int last) {
-                for (int c = first; c < last; ++c) widenOutsideBand(src, mask, c, c + 1, runOf(c), end, ranges);
-            });
-    }
+    const int blobEndRow = deepestRun(mask.topRuns, firstColumn, endColumn);
+    visitStretches(mask.topRuns, firstColumn, endColumn, blobEndRow, [&](const Stretch& stretch) {
+        widenOutsideBand(src, mask, stretch.firstColumn, stretch.endColumn, stretch.blobEndRow, stretch.endRow, ranges);
+    });
     widenOutsideBand(src, mask, firstColumn, endColumn, blobEndRow, src.height, ranges);
 }
 
 // Thresholds the columns firstColumn .. endColumn - 1.
 void thresholdColumns(const ImageView& src, const BlobMask& mask, int firstColumn, int endColumn, GreyRanges& ranges,
                       unsigned char* out, int* labels) {
-    if (firstColumn == endColumn) return;
     findRanges(src, mask, firstColumn, endColumn, ranges);
     for (std::size_t c = static_cast<std::size_t>(firstColumn); c < static_cast<std::size_t>(endColumn); ++c) {
         const int smallest = ranges.smallest[c];
@@ -179,7 +183,7 @@ void thresholdColumns(const ImageView& src, const BlobMask& mask, int firstColum
 void Otsu3(const AlgoContext& context, unsigned char* out, int* labels, unsigned char* src) {
     const MutableImageView image(context.roi, src);
     BlobMask mask;
-    mask.topRuns.assign(static_cast<std::size_t>(image.width), 0);
+    mask.topRuns.resize(static_cast<std::size_t>(image.width));
     GreyRanges ranges(static_cast<std::size_t>(image.width));
 
     // The blob, on the calling thread.
