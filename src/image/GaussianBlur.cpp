@@ -69,7 +69,7 @@ void blur(const ImageView& source, const MutableImageView& destination, int radi
 void GaussianBlur(const AlgoContext& context, const unsigned char* src, unsigned char* dst, int ksize) {
     const ImageView source(context.roi, src);
     const std::size_t pixels = pixelsOf(context.roi);
-    const bool hasKernel = ksize > 0 && ksize % 2 != 0;
+    const bool hasKernel = ksize % 2 == 1;  // the remainder of a negative number is not positive
     const int radius = hasKernel ? std::min(ksize / 2, kLargestRadius) : 0;
     if (radius == 0 || pixels == 0) {
         std::copy_n(src, pixels, dst);
