@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "KorvaneLaserAlgo.h"
+#include "support/CheckedBuffer.h"
 #include "support/Support.h"
 
 using namespace support;
@@ -400,6 +401,30 @@ TEST(Otsu3, CentreRowIsTheMeanOfAllBlobPixels) {
     EXPECT_FALSE(probeIsMasked(out, 5));
 }
 
+TEST(Otsu3, CentreRowOfTheBlobIsRoundedDown) {
+    // Runs of 50 and 72 rows: (1225 + 2556) / 122 = 30.99, so the band ends before row 30 + 180 / 6 = 60.
+    Image src(8, 180);
+    fillColumn(src, 0, 0, 50, 200);
+    fillColumn(src, 1, 0, 72, 200);
+    drawBandProbe(src, 4, 59);
+    drawBandProbe(src, 5, 60);
+    Image out = selectStripe(src);
+    EXPECT_TRUE(probeIsMasked(out, 4));
+    EXPECT_FALSE(probeIsMasked(out, 5));
+}
+
+TEST(Otsu3, CentreOfASymmetricalBlobIsItsMiddleColumn) {
+    // Columns 599 .. 601, so the band is columns 100 .. 1099.
+    Image src(1204, 60);
+    for (int column : {599, 600, 601}) fillColumn(src, column, 0, 40, 200);
+    for (int column : {99, 100, 1099, 1100}) drawBandProbe(src, column, 0);
+    Image out = selectStripe(src);
+    EXPECT_FALSE(probeIsMasked(out, 99));
+    EXPECT_TRUE(probeIsMasked(out, 100));
+    EXPECT_TRUE(probeIsMasked(out, 1099));
+    EXPECT_FALSE(probeIsMasked(out, 1100));
+}
+
 TEST(Otsu3, CentreColumnOfTheBlobIsRoundedDown) {
     // 31, 40 and 30 pixels in the columns 600 .. 602: 600 + 100 / 101. The band reaches 500 columns to either side.
     Image src(1104, 60);
@@ -530,6 +555,28 @@ TEST(Otsu3, SizesBelow1LeaveAllBuffersAlone) {
         EXPECT_EQ(out.pixels(), Bytes(4 * 40, kOldGrey)) << width << " x " << height;
         for (std::size_t i = 0; i < labels.size(); ++i) ASSERT_EQ(labels[i], kOldLabel) << width << " x " << height;
         EXPECT_TRUE(labels.guardsIntact());
+    }
+}
+
+TEST(Otsu3, SaturatedFramesBesideInaccessiblePagesAreReadAndWrittenWithinTheirPixels) {
+    for (const Placement placement : {Placement::kAtPageStart, Placement::kAtPageEnd}) {
+        for (const auto& [width, height] : std::vector<std::pair<int, int>>{{64, 0}, {64, 1}, {64, 32}, {256, 64}}) {
+            const std::size_t pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+            BufferRoom::place(placement);
+            CheckedBuffer<unsigned char> src(Bytes(pixels, 255));
+            CheckedBuffer<unsigned char> out(Bytes(pixels, kOldGrey));
+            CheckedBuffer<int> labels(std::vector<int>(pixels, kOldLabel));
+            BufferRoom::place(Placement::kBetweenGuardBytes);
+
+            KorvaneLaserAlgo algo;
+            setRoi(algo, width, height);
+            algo.Otsu3(out.data(), labels.data(), src.data());
+            EXPECT_TRUE(src.guardsIntact()) << width << " x " << height;
+            EXPECT_TRUE(out.guardsIntact()) << width << " x " << height;
+            EXPECT_TRUE(labels.guardsIntact()) << width << " x " << height;
+            const unsigned char left = height < 30 ? 255 : 0;
+            EXPECT_EQ(src.values<unsigned char>(), Bytes(pixels, left)) << width << " x " << height;
+        }
     }
 }
 
