@@ -388,6 +388,19 @@ TEST(CountFollowers, GivesWhatItsTwinGives) {
     });
 }
 
+// A point lies 2 from the one before, which is too far, and 1 from the one before that.
+TEST(CountFollowers, ComparesEachPointWithTheOneBefore) {
+    constexpr std::size_t kPoints = 50;
+    for (const std::size_t coordinate : {0u, 2u}) {
+        for (std::size_t far = 1; far < kPoints; ++far) {
+            std::vector<double> points(3 * (kPoints + 1), 5.0);
+            points[3 * far + coordinate] = 6.0;
+            points[3 * (far + 1) + coordinate] = 4.0;
+            EXPECT_EQ(active().countFollowers(points.data() + 3, kPoints, 1.5), far) << "coordinate " << coordinate;
+        }
+    }
+}
+
 TEST(NumberBuckets, GivesWhatItsTwinGives) {
     expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t count) {
         std::vector<double> profile = profileOf(random, count);
