@@ -212,8 +212,9 @@ class Recipes:
                 header.parent.mkdir(exist_ok=True)
                 names = set()
                 for path in (TREE / "src").rglob("*.[ch]*"):
-                    names.update(re.findall(r"^#include <(\w+)>", path.read_text(encoding="utf-8"), re.MULTILINE))
-                header.write_text("".join(f"#include <{name}>\n" for name in sorted(names)), encoding="utf-8")
+                    names.update(re.findall(r"^#include <([\w.]+)>", path.read_text(encoding="utf-8"), re.MULTILINE))
+                header.write_text("".join(f"#if __has_include(<{name}>)\n#include <{name}>\n#endif\n"
+                                          for name in sorted(names)), encoding="utf-8")
                 if not build_step([*options, "-w", "-x", "c++-header", str(header), "-o", f"{header}.gch"], OBJECTS):
                     sys.exit(f"mutate: {header} does not compile")
                 self.headers[tuple(options)] = header
