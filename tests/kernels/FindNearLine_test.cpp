@@ -61,4 +61,32 @@ TEST(FindNearLine, ListsThePointsNearALineOfAnyDirection) {
     EXPECT_GT(listed, 100u);
 }
 
+// The tolerance is the distance of a point by the rule's operations in single precision, or the next number.
+TEST(FindNearLine, TakesPointsNearerThanTheToleranceAlone) {
+    std::mt19937 random(7);
+    std::vector<float> x(kBoxPoints * kBoxPoints);
+    std::vector<float> y(x.size());
+    std::vector<float> centres(kBoxPoints, 0.0f);
+    std::vector<float> halves(kBoxPoints, 4000.0f);
+    const BoxedPoints points = {x.data(),       y.data(),      kBoxPoints,   centres.data(),
+                                centres.data(), halves.data(), halves.data()};
+    std::vector<std::size_t> indices(x.size());
+    for (int n = 0; n < 1000; ++n) {
+        std::fill(x.begin(), x.end(), std::numeric_limits<float>::quiet_NaN());
+        std::fill(y.begin(), y.end(), std::numeric_limits<float>::quiet_NaN());
+        const std::size_t place = random() % x.size();
+        x[place] = static_cast<float>(random() % 1280);
+        y[place] = static_cast<float>(random() % 1024);
+        const float theta = static_cast<float>(n % 180) * 0.017453292f;
+        const float cosine = std::cos(theta);
+        const float sine = std::sin(theta);
+        const float distance = static_cast<float>(random() % 2000) - 500.0f;
+        const float offset = std::fabs(x[place] * cosine + y[place] * sine - distance);
+        const float above = std::nextafter(offset, 1e9f);
+        EXPECT_EQ(active().findNearLine(points, cosine, sine, distance, offset, 0.1f, indices.data()), 0u) << n;
+        EXPECT_EQ(active().findNearLine(points, cosine, sine, distance, above, 0.1f, indices.data()), 1u) << n;
+        EXPECT_EQ(indices[0], place) << n;
+    }
+}
+
 }  // namespace

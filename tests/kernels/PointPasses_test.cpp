@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <limits>
 #include <memory>
+#include <string_view>
 #include <vector>
 
 #include "kernels/PassRun.h"
@@ -272,6 +273,32 @@ TEST(FindMedians, FindsTheMedianAroundEachHeightOrNone) {
     });
 }
 
+TEST(FindMedians, FindsThemInLanes) {
+    if (std::string_view(active().name) == setsOfBuild().first->set->name) GTEST_SKIP() << "the plain pass has none";
+    const std::vector<double> heights(40 + kLaneRoom, 5.0);
+    std::vector<double> medians(20 + kLaneRoom);
+    for (int r = 1; r < 9; ++r) EXPECT_TRUE(active().findMedians(heights.data(), 20, r, medians.data())) << r;
+}
+
+TEST(FindMedians, FindsNoneWhereAHeightHasNoOrder) {
+    constexpr std::size_t kCount = 40;
+    constexpr std::size_t kReach = 2;
+    const double kSignalling = std::numeric_limits<double>::signaling_NaN();
+    for (std::size_t place = 1; place <= kCount + 2 * kReach; ++place) {
+        for (const double height : {kNotANumber, -kNotANumber, kSignalling, -0.0}) {
+            std::vector<double> heights(kCount + 2 * (kReach + 1) + kLaneRoom, 5.0);
+            heights[place] = height;
+            std::vector<double> medians(kCount + kLaneRoom);
+            EXPECT_FALSE(active().findMedians(heights.data(), kCount, kReach, medians.data())) << "height " << place;
+        }
+    }
+
+    std::vector<double> firstTwo(8 + kLaneRoom, 5.0);
+    firstTwo[0] = firstTwo[1] = kNotANumber;
+    std::vector<double> medians(2 + kLaneRoom);
+    EXPECT_FALSE(active().findMedians(firstTwo.data(), 2, 1, medians.data()));
+}
+
 TEST(SmoothHeights, GivesWhatItsTwinGives) {
     expectTwinsAgreeOnLists([](const KernelSet& set, Random& random, std::size_t count) {
         const std::size_t reach = random.below(5) == 0 ? 40 : sizeOf(random.below(9));
@@ -392,12 +419,20 @@ TEST(CountFollowers, GivesWhatItsTwinGives) {
 TEST(CountFollowers, ComparesEachPointWithTheOneBefore) {
     constexpr std::size_t kPoints = 50;
     for (const std::size_t coordinate : {0u, 2u}) {
-        for (std::size_t far = 1; far < kPoints; ++far) {
+        for (std::size_t far = 0; far < kPoints; ++far) {
             std::vector<double> points(3 * (kPoints + 1), 5.0);
             points[3 * far + coordinate] = 6.0;
             points[3 * (far + 1) + coordinate] = 4.0;
             EXPECT_EQ(active().countFollowers(points.data() + 3, kPoints, 1.5), far) << "coordinate " << coordinate;
         }
+    }
+}
+
+TEST(CountFollowers, TellsBothSidesOfZeroApart) {
+    for (const std::size_t coordinate : {0u, 2u}) {
+        std::vector<double> points(3 * 51, 0.5);
+        for (std::size_t i = 0; i <= 50; ++i) points[3 * i + coordinate] = i % 2 == 0 ? 3.0 : -3.0;
+        EXPECT_EQ(active().countFollowers(points.data() + 3, 50, 1.5), 0u) << "coordinate " << coordinate;
     }
 }
 
