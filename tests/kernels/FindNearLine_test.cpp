@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstddef>
 #include <limits>
+#include <numeric>
 #include <random>
 #include <vector>
 
@@ -59,6 +60,28 @@ TEST(FindNearLine, ListsThePointsNearALineOfAnyDirection) {
         listed += count;
     }
     EXPECT_GT(listed, 100u);
+}
+
+// A line across a row of points, and one across a column of them.
+TEST(FindNearLine, FindsPointsOfBoxesWithoutHeightOrWidth) {
+    std::vector<float> along(kBoxPoints * kBoxPoints);
+    std::iota(along.begin(), along.end(), 0.0f);
+    const std::vector<float> across(along.size(), 7.0f);
+    std::vector<float> centres(kBoxPoints);
+    for (std::size_t box = 0; box < centres.size(); ++box)
+        centres[box] = static_cast<float>(box) * kBoxPoints + 0.5f * (kBoxPoints - 1);
+    const std::vector<float> halves(kBoxPoints, 0.5f * (kBoxPoints - 1));
+    const std::vector<float> sevens(kBoxPoints, 7.0f);
+    const std::vector<float> zeros(kBoxPoints, 0.0f);
+    const BoxedPoints row = {along.data(),  across.data(), kBoxPoints,  centres.data(),
+                             sevens.data(), halves.data(), zeros.data()};
+    const BoxedPoints column = {across.data(),  along.data(), kBoxPoints,   sevens.data(),
+                                centres.data(), zeros.data(), halves.data()};
+    std::vector<std::size_t> indices(along.size());
+    EXPECT_EQ(active().findNearLine(row, 1.0f, 0.0f, 100.0f, 1.5f, 0.1f, indices.data()), 3u);
+    EXPECT_EQ(indices[0], 99u);
+    EXPECT_EQ(active().findNearLine(column, 0.0f, 1.0f, 100.0f, 1.5f, 0.1f, indices.data()), 3u);
+    EXPECT_EQ(indices[2], 101u);
 }
 
 // The tolerance is the distance of a point by the rule's operations in single precision, or the next number.
