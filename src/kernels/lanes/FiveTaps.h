@@ -32,8 +32,9 @@ struct FiveTaps {
             const std::int64_t fixed = static_cast<std::int64_t>(weights[k] * kUnits + 0.5);
             const std::int64_t rounded = (fixed + 0x8000) / 0x10000;
             coarsePair = coarsePair * 0x10000 + static_cast<std::int32_t>(rounded);
+            // What is missing is the lower half, as a signed number.
             finePair = static_cast<std::int32_t>(static_cast<std::uint32_t>(finePair) << 16 |
-                                                 static_cast<std::uint16_t>(fixed - rounded * 0x10000));
+                                                 static_cast<std::uint16_t>(fixed));
         }
         coarse = fillPairs(coarsePair);
         fine = fillPairs(finePair);
