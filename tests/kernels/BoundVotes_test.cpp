@@ -85,6 +85,13 @@ TEST(BoundVotes, AddsBoxesThatMeetInOneBucketAlone) {
     EXPECT_EQ(active().boundVotes(boxes.list(), 1.0f, 0.0f, 0, changes.data()), 17);
 }
 
+TEST(BoundVotes, IsZeroForBoxesWithoutVotes) {
+    Boxes boxes;
+    while (boxes.votes.size() < 16) boxes.add(5.0f, 1.0f, 1.0f, 3.0f, 0);
+    std::vector<std::int32_t> changes(3, 0);
+    EXPECT_EQ(active().boundVotes(boxes.list(), 1.0f, 0.0f, 0, changes.data()), 0);
+}
+
 TEST(BoundVotes, AddsBoxesThatAllLieInOneBucket) {
     Boxes boxes;
     while (boxes.votes.size() < 32) boxes.add(5.0f, 1.0f, 1.0f, 3.0f, 2);

@@ -230,6 +230,21 @@ TEST(BlurRows, GivesWhatItsTwinGives) {
     });
 }
 
+TEST(BlurRows, RisesFromBlackAsItsTwinDoes) {
+    constexpr int kWidth = 150;
+    constexpr int kRows = 256;  // each with another grey value
+    const std::vector<double> weights = gaussian(2);
+    std::vector<unsigned char> image(kWidth * kRows, 0);
+    for (std::size_t row = 0; row < kRows; ++row)
+        std::fill_n(image.begin() + static_cast<std::ptrdiff_t>(row) * kWidth + 70, kWidth - 70,
+                    static_cast<unsigned char>((row + 1) * 19 % 256));
+    std::vector<unsigned char> out(image.size());
+    std::vector<unsigned char> expected(image.size());
+    active().blurRows(image.data(), kWidth, kRows, weights.data(), 2, out.data());
+    setsOfBuild().first->set->blurRows(image.data(), kWidth, kRows, weights.data(), 2, expected.data());
+    EXPECT_EQ(out, expected);
+}
+
 TEST(BlurColumns, GivesWhatItsTwinGives) {
     expectTwinsAgreeOnImages([](const KernelSet& set, Random& random, int width, int rows) {
         const int radius = blurRadius(random);

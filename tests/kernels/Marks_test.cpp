@@ -1,4 +1,4 @@
-// countMarks of images with a single mark.
+// Marks of lists of any length, and of images with a single mark.
 
 #include <gtest/gtest.h>
 
@@ -11,6 +11,17 @@
 namespace {
 
 using namespace KORVANELASERALGO::kernels;
+
+TEST(MarkAbove, MarksEveryPixelOfAListOfAnyLength) {
+    for (std::size_t count = 0; count < 200; ++count) {
+        const std::vector<unsigned char> pixels(count, 61);
+        std::vector<std::uint64_t> expected(wordsOf(count), 0);
+        for (std::size_t i = 0; i < count; ++i) expected[i / 64] |= std::uint64_t{1} << i % 64;
+        std::vector<std::uint64_t> marks(expected.size(), 0x5555);
+        active().markAbove(pixels.data(), count, 60, marks.data());
+        EXPECT_EQ(marks, expected) << count << " pixels";
+    }
+}
 
 TEST(CountMarks, FindsASingleMarkWhereverItIs) {
     constexpr int kWidth = 70;

@@ -273,11 +273,11 @@ TEST(FindMedians, FindsTheMedianAroundEachHeightOrNone) {
     });
 }
 
-TEST(FindMedians, FindsThemInLanes) {
-    if (std::string_view(active().name) == setsOfBuild().first->set->name) GTEST_SKIP() << "the plain pass has none";
+TEST(FindMedians, FindsThemInLanesAlone) {
+    const bool hasLanes = std::string_view(active().name) != setsOfBuild().first->set->name;
     const std::vector<double> heights(40 + kLaneRoom, 5.0);
     std::vector<double> medians(20 + kLaneRoom);
-    for (int r = 1; r < 9; ++r) EXPECT_TRUE(active().findMedians(heights.data(), 20, r, medians.data())) << r;
+    for (int r = 1; r < 9; ++r) EXPECT_EQ(active().findMedians(heights.data(), 20, r, medians.data()), hasLanes) << r;
 }
 
 TEST(FindMedians, FindsNoneWhereAHeightHasNoOrder) {
@@ -312,6 +312,28 @@ TEST(SmoothHeights, GivesWhatItsTwinGives) {
         results.addFirst(count, smoothed);
         return results;
     });
+}
+
+// Heights of either sign whose amounts are nearer to each other than a step.
+TEST(SmoothHeights, TellsBothSidesOfZeroApart) {
+    constexpr std::size_t kCount = 48;
+    const std::vector<double> weights = {1.0, 2.0, 1.0};
+    for (std::size_t place = 1; place < kCount; ++place) {
+        std::vector<double> step(kCount + 2 + kLaneRoom, -0.4);
+        std::fill_n(step.begin(), place, 0.4);
+        std::vector<double> peak(step.size(), 0.13);
+        peak[place - 1] = 0.41;
+        peak[place] = -0.41;
+        for (const std::vector<double>& heights : {step, peak}) {
+            std::vector<double> smoothed(kCount + kLaneRoom);
+            std::vector<double> expected(kCount + kLaneRoom);
+            active().smoothHeights(heights.data(), kCount, weights.data(), 1, 0.6, smoothed.data());
+            setsOfBuild().first->set->smoothHeights(heights.data(), kCount, weights.data(), 1, 0.6, expected.data());
+            smoothed.resize(kCount);
+            expected.resize(kCount);
+            EXPECT_EQ(smoothed, expected) << "place " << place;
+        }
+    }
 }
 
 TEST(ListUsable, GivesWhatItsTwinGives) {
@@ -379,6 +401,31 @@ TEST(KeepOutliers, GivesWhatItsTwinGives) {
         results.addFirst(kept, positions);
         return results;
     });
+}
+
+// A row of slope 1 with one step of slope 1.5. No depth is near; a point of the row is none of the outliers where the
+// three other directions among the points -2 .. 1 places from it are near, that is less than 0.5 away.
+TEST(KeepOutliers, TakesNoDirectionAsNearThatIsAsFarAsTheBound) {
+    constexpr std::int32_t kCount = 40;
+    for (std::int32_t steep = 5; steep < 35; ++steep) {
+        std::vector<double> x;
+        std::vector<double> z(2, kNotANumber);
+        std::vector<std::int32_t> positions;
+        std::vector<std::int32_t> expected;
+        for (std::int32_t i = 0; i < kCount; ++i) {
+            x.push_back(i < steep ? i : i + 0.5);
+            z.push_back(i);
+            positions.push_back(i);
+            if (i < 3 || i + 1 == kCount || (i >= steep - 1 && i <= steep + 2)) expected.push_back(i);
+        }
+        x.resize(x.size() + kLaneRoom);
+        z.insert(z.end(), 2 + kLaneRoom, kNotANumber);
+        std::vector<double> slopes(x.size());
+        const std::size_t kept =
+            active().keepOutliers(x.data(), z.data() + 2, kCount, 2, 0.0, 0.5, slopes.data(), positions.data());
+        positions.resize(kept);
+        EXPECT_EQ(positions, expected) << "steep at " << steep;
+    }
 }
 
 // A row of points that climbs by 1, or stays where it is, and breaks off at one point in x or in z: to where the row

@@ -35,14 +35,17 @@ struct Search {
         return kNoStripe;
     }
 
+    /// Columns that are not searched stay as they were, be it without a start.
     void expectStarts(int firstColumn, int endColumn, int firstRow, int endRow) const {
-        std::vector<int> starts(static_cast<std::size_t>(width), kUntouched);
-        active().findStripeStarts(image.data(), width, firstColumn, endColumn, firstRow, endRow, thresholds.data(),
-                                  starts.data());
-        for (int c = 0; c < width; ++c) {
-            const bool searched = c >= firstColumn && c < endColumn;
-            EXPECT_EQ(starts[static_cast<std::size_t>(c)], searched ? startOf(c, firstRow, endRow) : kUntouched)
-                << "column " << c << " of " << width << ", searched from " << firstColumn << " to " << endColumn;
+        for (const int before : {kUntouched, kNoStripe}) {
+            std::vector<int> starts(static_cast<std::size_t>(width), before);
+            active().findStripeStarts(image.data(), width, firstColumn, endColumn, firstRow, endRow, thresholds.data(),
+                                      starts.data());
+            for (int c = 0; c < width; ++c) {
+                const bool searched = c >= firstColumn && c < endColumn;
+                EXPECT_EQ(starts[static_cast<std::size_t>(c)], searched ? startOf(c, firstRow, endRow) : before)
+                    << "column " << c << " of " << width << ", searched from " << firstColumn << " to " << endColumn;
+            }
         }
     }
 };
