@@ -57,6 +57,27 @@ bool probeIsMasked(Image out, int column) {
     return out.at(out.height() - 1, column) == 100;
 }
 
+/// The band of a frame of 8 columns, whose blob is in the first four, covers the rows from 0 to `endRow` - 1.
+void expectBandRows(Image src, int endRow) {
+    drawBandProbe(src, 4, endRow - 1);
+    drawBandProbe(src, 5, endRow);
+    drawBandProbe(src, 6, 0);
+    const Image out = selectStripe(src);
+    EXPECT_TRUE(probeIsMasked(out, 4)) << "row " << endRow - 1;
+    EXPECT_FALSE(probeIsMasked(out, 5)) << "row " << endRow;
+    EXPECT_TRUE(probeIsMasked(out, 6)) << "row 0";
+}
+
+/// The band covers the columns from `firstColumn` to `endColumn` - 1.
+void expectBandColumns(Image src, int firstColumn, int endColumn, int row) {
+    for (const int column : {firstColumn - 1, firstColumn, endColumn - 1, endColumn}) drawBandProbe(src, column, row);
+    const Image out = selectStripe(src);
+    EXPECT_FALSE(probeIsMasked(out, firstColumn - 1));
+    EXPECT_TRUE(probeIsMasked(out, firstColumn));
+    EXPECT_TRUE(probeIsMasked(out, endColumn - 1));
+    EXPECT_FALSE(probeIsMasked(out, endColumn));
+}
+
 }  // namespace
 
 // The column's own threshold
@@ -343,24 +364,14 @@ TEST(Otsu3, BandEndsASixthOfTheHeightBelowTheBlobsCentre) {
     // Runs of 30 rows: centre row 435 / 30 = 14, so the band ends before row 14 + 60 / 6 = 24.
     Image src(8, 60);
     for (int x = 0; x < 4; ++x) fillColumn(src, x, 0, 30, 200);
-    drawBandProbe(src, 4, 23);
-    drawBandProbe(src, 5, 24);
-    drawBandProbe(src, 6, 0);
-    Image out = selectStripe(src);
-    EXPECT_TRUE(probeIsMasked(out, 4));
-    EXPECT_FALSE(probeIsMasked(out, 5));
-    EXPECT_TRUE(probeIsMasked(out, 6));
+    expectBandRows(src, 24);
 }
 
 TEST(Otsu3, SixthOfTheHeightIsRoundedDown) {
     // 65 / 6 = 10 and not 10.8: the band ends before row 24 still.
     Image src(8, 65);
     for (int x = 0; x < 4; ++x) fillColumn(src, x, 0, 30, 200);
-    drawBandProbe(src, 4, 23);
-    drawBandProbe(src, 5, 24);
-    Image out = selectStripe(src);
-    EXPECT_TRUE(probeIsMasked(out, 4));
-    EXPECT_FALSE(probeIsMasked(out, 5));
+    expectBandRows(src, 24);
 }
 
 TEST(Otsu3, BandReachesAtMostTheMiddleRow) {
@@ -368,11 +379,7 @@ TEST(Otsu3, BandReachesAtMostTheMiddleRow) {
     Image src(8, 65);
     fillColumn(src, 0, 0, 60, 200);
     fillColumn(src, 1, 0, 60, 200);
-    drawBandProbe(src, 4, 31);
-    drawBandProbe(src, 5, 32);
-    Image out = selectStripe(src);
-    EXPECT_TRUE(probeIsMasked(out, 4));
-    EXPECT_FALSE(probeIsMasked(out, 5));
+    expectBandRows(src, 32);
 }
 
 TEST(Otsu3, BlobOverTheWholeHeightHasItsBandAboveTheMiddleRow) {
@@ -380,13 +387,7 @@ TEST(Otsu3, BlobOverTheWholeHeightHasItsBandAboveTheMiddleRow) {
     Image src(8, 61);
     fillColumn(src, 0, 0, 61, 200);
     fillColumn(src, 1, 0, 61, 200);
-    drawBandProbe(src, 4, 29);
-    drawBandProbe(src, 5, 30);
-    drawBandProbe(src, 6, 0);
-    Image out = selectStripe(src);
-    EXPECT_TRUE(probeIsMasked(out, 4));
-    EXPECT_FALSE(probeIsMasked(out, 5));
-    EXPECT_TRUE(probeIsMasked(out, 6));
+    expectBandRows(src, 30);
 }
 
 TEST(Otsu3, CentreRowIsTheMeanOfAllBlobPixels) {
@@ -394,11 +395,7 @@ TEST(Otsu3, CentreRowIsTheMeanOfAllBlobPixels) {
     // The mean over the columns' own centres would be 29 and end at 59.
     Image src(8, 180);
     for (int x = 0; x < 4; ++x) fillColumn(src, x, 0, x < 2 ? 90 : 30, 200);
-    drawBandProbe(src, 4, 66);
-    drawBandProbe(src, 5, 67);
-    Image out = selectStripe(src);
-    EXPECT_TRUE(probeIsMasked(out, 4));
-    EXPECT_FALSE(probeIsMasked(out, 5));
+    expectBandRows(src, 67);
 }
 
 TEST(Otsu3, CentreRowOfTheBlobIsRoundedDown) {
@@ -406,23 +403,14 @@ TEST(Otsu3, CentreRowOfTheBlobIsRoundedDown) {
     Image src(8, 180);
     fillColumn(src, 0, 0, 50, 200);
     fillColumn(src, 1, 0, 72, 200);
-    drawBandProbe(src, 4, 59);
-    drawBandProbe(src, 5, 60);
-    Image out = selectStripe(src);
-    EXPECT_TRUE(probeIsMasked(out, 4));
-    EXPECT_FALSE(probeIsMasked(out, 5));
+    expectBandRows(src, 60);
 }
 
 TEST(Otsu3, CentreOfASymmetricalBlobIsItsMiddleColumn) {
     // Columns 599 .. 601, so the band is columns 100 .. 1099.
     Image src(1204, 60);
     for (int column : {599, 600, 601}) fillColumn(src, column, 0, 40, 200);
-    for (int column : {99, 100, 1099, 1100}) drawBandProbe(src, column, 0);
-    Image out = selectStripe(src);
-    EXPECT_FALSE(probeIsMasked(out, 99));
-    EXPECT_TRUE(probeIsMasked(out, 100));
-    EXPECT_TRUE(probeIsMasked(out, 1099));
-    EXPECT_FALSE(probeIsMasked(out, 1100));
+    expectBandColumns(src, 100, 1100, 0);
 }
 
 TEST(Otsu3, CentreColumnOfTheBlobIsRoundedDown) {
@@ -431,12 +419,7 @@ TEST(Otsu3, CentreColumnOfTheBlobIsRoundedDown) {
     fillColumn(src, 600, 0, 31, 200);
     fillColumn(src, 601, 0, 40, 200);
     fillColumn(src, 602, 0, 30, 200);
-    for (int column : {99, 100, 1099, 1100}) drawBandProbe(src, column, 0);
-    Image out = selectStripe(src);
-    EXPECT_FALSE(probeIsMasked(out, 99));
-    EXPECT_TRUE(probeIsMasked(out, 100));
-    EXPECT_TRUE(probeIsMasked(out, 1099));
-    EXPECT_FALSE(probeIsMasked(out, 1100));
+    expectBandColumns(src, 100, 1100, 0);
 }
 
 TEST(Otsu3, LastColumnIsNeverInTheBand) {
@@ -453,12 +436,7 @@ TEST(Otsu3, BandRunsFrom500ColumnsBeforeTheBlobsCentreUpTo500AfterIt) {
     // Columns 598 .. 601 on average 599.5, rounded down to 599: the band is columns 99 .. 1098.
     Image src(1204, 60);
     for (int x = 598; x <= 601; ++x) fillColumn(src, x, 0, 30, 200);
-    for (int x : {98, 99, 1098, 1099}) drawBandProbe(src, x, 10);
-    Image out = selectStripe(src);
-    EXPECT_FALSE(probeIsMasked(out, 98));
-    EXPECT_TRUE(probeIsMasked(out, 99));
-    EXPECT_TRUE(probeIsMasked(out, 1098));
-    EXPECT_FALSE(probeIsMasked(out, 1099));
+    expectBandColumns(src, 99, 1099, 10);
 }
 
 TEST(Otsu3, BandIsCutAtTheLeftAndRightEdges) {
